@@ -1,0 +1,265 @@
+#include "archive/Editor.h"
+
+#include "archive/Format.h"
+#include "platform/FileSystem.h"
+
+#include <system_error>
+
+namespace korvel {
+namespace {
+
+std::string RecentKey(int slot) {
+    return "recent" + std::to_string(slot);
+}
+
+// The data path a new archive is opened under. On a case-insensitive system
+// this is the classic "lower-cased directory path with .dir turned back into
+// .img"; elsewhere lower-casing would name a different file, so we open the
+// data file under the name it was created with.
+std::string DataPathForNewArchive(const std::string& chosen, const std::filesystem::path& dir) {
+#ifdef _WIN32
+    std::string path = ToLowerCp1252(dir.string());
+    for (std::size_t at = path.find(".dir"); at != std::string::npos;
+         at = path.find(".dir", at + 4)) {
+        path.replace(at, 4, ".img");
+    }
+    return path;
+#else
+    (void)dir;
+    return chosen;
+#endif
+}
+
+} // namespace
+
+Editor::Editor(Desktop& desktop, Settings& settings, std::filesystem::path editorFolder)
+    : desktop_(desktop), settings_(settings), editorFolder_(std::move(editorFolder)) {}
+
+void Editor::FindHighestOffset() {
+    highestOffset_ = table_.highestOffset();
+}
+
+bool Editor::WriteDirectory() {
+    std::vector<DirRecord> records;
+    records.reserve(table_.size());
+    for (std::size_t row = 0; row < table_.size(); ++row) {
+        if (table_[row].name.size() > NameFieldSize) {
+            table_.setName(row, table_[row].name.substr(0, NameFieldSize));
+        }
+    }
+    for (const Entry& entry : table_.rows()) {
+        records.push_back({entry.startSector, entry.sizeSectors, entry.name});
+    }
+    const FsError error = WriteFileAtomically(dirPath_, EncodeDirectory(records));
+    if (!error.empty()) {
+        desktop_.ShowMessage(text("ohCrap1") + " " + error, "Error", MessageIcon::Exclamation);
+        return false;
+    }
+    return true;
+}
+
+void Editor::AssignTypeIcons() {
+    // Icons follow from the names (TypeOfName); the view asks for them when it
+    // draws, so assigning them means telling it that every row may look new.
+    table_.refreshAll();
+}
+
+void Editor::EnableArchiveCommands() {
+    for (const std::string& name : ArchiveCommandNames()) {
+        menu_.setEnabled(name, true);
+    }
+}
+
+void Editor::ResetToClosed() {
+    table_.clear();
+    desktop_.SetStatus(text("stats2"));
+    dataPath_ = NoPath;
+    dirPath_ = NoPath;
+    highestOffset_ = 0;
+    for (const std::string& name : ArchiveCommandNames()) {
+        menu_.setEnabled(name, false);
+    }
+    menu_.setChecked("recent1", false);
+}
+
+void Editor::AddPlaceholderRow() {
+    table_.setPlaceholder(true);
+}
+
+bool Editor::OpenArchive(const std::string& path) {
+    dataPath_ = path;
+    dirPath_ = DirectoryPathFor(path).string();
+
+    const auto failMissing = [&](const std::string& message, const std::string& missing) {
+        desktop_.ShowMessage(message + "\n" + missing, text("invalidFL"), MessageIcon::Information);
+        ResetToClosed();
+        AddPlaceholderRow();
+        return false;
+    };
+    if (!FileExists(dataPath_)) {
+        return failMissing(text("openArchive1"), dataPath_);
+    }
+    if (!FileExists(dirPath_)) {
+        return failMissing(text("openArchive2"), dirPath_);
+    }
+
+    if (IsReadOnly(dataPath_) || IsReadOnly(dirPath_)) {
+        const std::string question =
+            text("openArchive3") + "\n" + text("openArchive4") + "\n" + text("openArchive5");
+        if (desktop_.AskYesNo(question, "")) {
+            ClearAttributes(dataPath_);
+            ClearAttributes(dirPath_);
+        }
+    }
+
+    const auto failRead = [&](const std::string& description) {
+        desktop_.ShowMessage(description, "", MessageIcon::None);
+        ResetToClosed();
+        AddPlaceholderRow();
+        return false;
+    };
+    // Check the length before reading, so a huge file is refused without
+    // reading it into memory.
+    const auto length = FileLength(dirPath_);
+    if (!length) {
+        return failRead("Cannot read the directory file " + dirPath_ + ".");
+    }
+    if (RecordCountForLength(*length) > MaxRecords) {
+        return failRead("The directory file " + dirPath_ + " lists more than " +
+                        std::to_string(MaxRecords) + " entries, the most an archive can hold.");
+    }
+    FsError error;
+    const auto bytes = ReadSmallFile(dirPath_, error);
+    if (!bytes) {
+        return failRead(error);
+    }
+    const std::vector<DirRecord> records = DecodeDirectory(*bytes);
+    if (records.size() > MaxRecords) {
+        return failRead("The directory file " + dirPath_ + " lists more than " +
+                        std::to_string(MaxRecords) + " entries, the most an archive can hold.");
+    }
+
+    std::vector<Entry> rows;
+    rows.reserve(records.size());
+    for (const DirRecord& record : records) {
+        rows.push_back(Entry{record.startSector, record.sizeSectors, record.name, false});
+    }
+    table_.assign(std::move(rows));
+
+    PushRecent();
+    desktop_.SetStats(text("stats1") + " " + std::to_string(table_.size()));
+    desktop_.SetArchivePath(dataPath_);
+    ApplyRecentCheck();
+    EnableArchiveCommands();
+    AssignTypeIcons();
+    FindHighestOffset();
+    return true;
+}
+
+void Editor::ApplyRecentCheck() {
+    menu_.setChecked("recent1", menu_.caption("recent1") == dataPath_);
+}
+
+void Editor::PushRecent() {
+    std::array<std::string, 3> slots;
+    for (int i = 0; i < 3; ++i) {
+        slots[static_cast<std::size_t>(i)] = settings_.ReadSetting(RecentKey(i + 1));
+    }
+    std::size_t found = slots.size();
+    for (std::size_t i = 0; i < slots.size(); ++i) {
+        if (slots[i] == dataPath_) {
+            found = i;
+            break;
+        }
+    }
+    if (found < slots.size()) {
+        // A swap with slot 1, not a rotation: A, B, C opening C gives C, B, A.
+        slots[found] = slots[0];
+    } else {
+        slots[2] = slots[1];
+        slots[1] = slots[0];
+    }
+    slots[0] = dataPath_;
+    for (int i = 0; i < 3; ++i) {
+        settings_.WriteSetting(slots[static_cast<std::size_t>(i)], RecentKey(i + 1));
+    }
+    LoadRecentMenu();
+}
+
+void Editor::LoadRecentMenu() {
+    for (int i = 1; i <= 3; ++i) {
+        menu_.setCaption(RecentKey(i), settings_.ReadSetting(RecentKey(i)));
+    }
+}
+
+void Editor::FileOpen() {
+    const FileDialogAnswer answer =
+        desktop_.OpenFileDialog({text("openArc1"), text("cdFiles1"), "", "", false});
+    if (answer.outcome == FileDialogAnswer::Outcome::Failed) {
+        desktop_.SetStatus(text("openArc2"));
+        return;
+    }
+    if (answer.chosen() && !answer.paths.front().empty()) {
+        OpenArchive(answer.paths.front());
+    }
+}
+
+void Editor::OpenRecent(int slot) {
+    const std::string path = menu_.caption(RecentKey(slot));
+    if (path != NoPath) {
+        OpenArchive(path);
+    }
+}
+
+void Editor::FileReload() {
+    const std::string path = menu_.caption("recent1");
+    if (path != NoPath) {
+        OpenArchive(path);
+    }
+    desktop_.SetStatus(text("reloaded"));
+}
+
+void Editor::FileClose() {
+    if (menu_.isChecked("OptRebuildPrompt") && settings_.ReadSetting("archiveState") == "shit" &&
+        rebuildCommand_) {
+        rebuildCommand_();
+    }
+    ResetToClosed();
+}
+
+void Editor::FileNew() {
+    const FileDialogAnswer answer =
+        desktop_.SaveFileDialog({text("newArc1"), text("cdFiles1"), "", "", false});
+    if (answer.outcome == FileDialogAnswer::Outcome::Failed) {
+        desktop_.SetStatus(text("newArc3"));
+        return;
+    }
+    if (!answer.chosen() || answer.paths.front().empty()) {
+        return;
+    }
+    std::string path = answer.paths.front();
+    // A name without ".img" would pair with itself as its own directory file;
+    // give it the extension the archive needs.
+    if (!HasImgExtension(path)) {
+        path += ".img";
+    }
+    if (FileExists(path)) {
+        const std::string question = text("fe1") + " " + path + "\n" + text("fe2");
+        if (!desktop_.AskYesNo(question, text("fe3"))) {
+            return;
+        }
+    }
+    if (!CreateEmptyFile(path).empty()) {
+        desktop_.SetStatus(text("newArc3"));
+        return;
+    }
+    const std::filesystem::path dir = DirectoryPathFor(path);
+    if (!CreateEmptyFile(dir).empty()) {
+        desktop_.SetStatus(text("newArc3"));
+        return;
+    }
+    OpenArchive(DataPathForNewArchive(path, dir));
+    desktop_.SetStatus(text("newArc2"));
+}
+
+} // namespace korvel

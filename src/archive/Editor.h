@@ -1,0 +1,81 @@
+// The open archive and the editor's commands. One Editor lives beside the
+// main window (or inside the command-line tool) for the whole run; every
+// command here catches its own failures, tells the person through Desktop and
+// leaves the table, the directory file and the data file in agreement.
+#pragma once
+
+#include "archive/EntryTable.h"
+#include "archive/MenuState.h"
+#include "platform/Desktop.h"
+#include "settings/Settings.h"
+
+#include <array>
+#include <cstdint>
+#include <filesystem>
+#include <string>
+
+namespace korvel {
+
+inline constexpr std::string_view NoPath = "none";
+inline constexpr std::string_view StartupStatus = "Korvel 1.0";
+
+class Editor {
+public:
+    Editor(Desktop& desktop, Settings& settings, std::filesystem::path editorFolder);
+
+    // --- session -----------------------------------------------------------
+    const std::string& dataPath() const { return dataPath_; }
+    const std::string& dirPath() const { return dirPath_; }
+    bool isOpen() const { return dataPath_ != NoPath; }
+    std::uint64_t highestOffset() const { return highestOffset_; }
+    EntryTable& table() { return table_; }
+    const EntryTable& table() const { return table_; }
+    MenuState& menu() { return menu_; }
+    const MenuState& menu() const { return menu_; }
+    Settings& settings() { return settings_; }
+    Desktop& desktop() { return desktop_; }
+    std::string text(std::string_view key) const { return settings_.LookupText(key); }
+
+    void FindHighestOffset();
+    // Writes the directory file anew from the rows, atomically. Returns false
+    // (after telling the person) when it could not be written; the old file
+    // is then still in place.
+    bool WriteDirectory();
+    void AssignTypeIcons();
+    void EnableArchiveCommands();
+    void ResetToClosed();
+    void AddPlaceholderRow();
+
+    // --- opening, closing, recent archives ----------------------------------
+    // Returns true when the archive is open afterwards.
+    bool OpenArchive(const std::string& path);
+    void PushRecent();
+    void LoadRecentMenu();
+    void FileOpen();
+    // recent1..recent3: slot is 1, 2 or 3.
+    void OpenRecent(int slot);
+    void FileReload();
+    void FileClose();
+    void FileNew();
+
+    // The rebuild command; set by the rebuild feature. Until then closing
+    // offers nothing to run.
+    void setRebuildCommand(std::function<void()> command) { rebuildCommand_ = std::move(command); }
+    // Quitting offers the rebuild too; empty until the rebuild feature sets it.
+    const std::function<void()>& rebuildCommand() const { return rebuildCommand_; }
+
+private:
+    void ApplyRecentCheck();
+
+    Desktop& desktop_;
+    Settings& settings_;
+    std::filesystem::path editorFolder_;
+    std::string dataPath_{NoPath};
+    std::string dirPath_{NoPath};
+    std::uint64_t highestOffset_ = 0;
+    EntryTable table_;
+    MenuState menu_;
+    std::function<void()> rebuildCommand_;
+};
+
+} // namespace korvel

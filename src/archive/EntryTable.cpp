@@ -1,0 +1,190 @@
+#include "archive/EntryTable.h"
+
+#include <algorithm>
+
+namespace korvel {
+
+void EntryTable::setOrder(Order order) {
+    if (order_ == order) {
+        return;
+    }
+    order_ = order;
+    if (order_ == Order::Name) {
+        std::stable_sort(rows_.begin(), rows_.end(),
+                         [](const Entry& a, const Entry& b) { return NameLess(a.name, b.name); });
+        notifyReset();
+    }
+}
+
+void EntryTable::setPlaceholder(bool shown) {
+    if (placeholder_ != shown) {
+        placeholder_ = shown;
+        notifyReset();
+    }
+}
+
+void EntryTable::assign(std::vector<Entry> rows) {
+    rows_ = std::move(rows);
+    if (order_ == Order::Name) {
+        std::stable_sort(rows_.begin(), rows_.end(),
+                         [](const Entry& a, const Entry& b) { return NameLess(a.name, b.name); });
+    }
+    placeholder_ = false;
+    notifyReset();
+}
+
+void EntryTable::clear() {
+    rows_.clear();
+    notifyReset();
+}
+
+std::size_t EntryTable::sortedPosition(const std::string& name) const {
+    const auto at = std::upper_bound(
+        rows_.begin(), rows_.end(), name,
+        [](const std::string& value, const Entry& row) { return NameLess(value, row.name); });
+    return static_cast<std::size_t>(at - rows_.begin());
+}
+
+std::size_t EntryTable::append(Entry entry) {
+    const std::size_t row = order_ == Order::Name ? sortedPosition(entry.name) : rows_.size();
+    rows_.insert(rows_.begin() + static_cast<std::ptrdiff_t>(row), std::move(entry));
+    notifyInserted(row, 1);
+    return row;
+}
+
+void EntryTable::remove(std::size_t row) {
+    rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(row));
+    notifyRemoved(row, 1);
+}
+
+void EntryTable::removeWhere(const std::vector<bool>& doomed) {
+    // Walk backwards so the indexes we report stay valid as we go.
+    std::size_t row = std::min(doomed.size(), rows_.size());
+    while (row > 0) {
+        if (!doomed[row - 1]) {
+            --row;
+            continue;
+        }
+        const std::size_t last = row;
+        while (row > 0 && doomed[row - 1]) {
+            --row;
+        }
+        rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(row),
+                    rows_.begin() + static_cast<std::ptrdiff_t>(last));
+        notifyRemoved(row, last - row);
+    }
+}
+
+void EntryTable::setName(std::size_t row, std::string name) {
+    if (order_ != Order::Name) {
+        rows_[row].name = std::move(name);
+        notifyChanged(row, row);
+        return;
+    }
+    // In name order a renamed row moves to its sorted place at once.
+    Entry entry = std::move(rows_[row]);
+    remove(row);
+    entry.name = std::move(name);
+    append(std::move(entry));
+}
+
+void EntryTable::setPlacement(std::size_t row, std::uint32_t startSector,
+                              std::uint32_t sizeSectors) {
+    rows_[row].startSector = startSector;
+    rows_[row].sizeSectors = sizeSectors;
+    notifyChanged(row, row);
+}
+
+void EntryTable::refreshAll() {
+    if (!rows_.empty()) {
+        notifyChanged(0, rows_.size() - 1);
+    }
+}
+
+void EntryTable::setSelected(std::size_t row, bool selected) {
+    if (rows_[row].selected != selected) {
+        rows_[row].selected = selected;
+        notifyChanged(row, row);
+    }
+}
+
+void EntryTable::selectAll() {
+    for (Entry& row : rows_) {
+        row.selected = true;
+    }
+    if (!rows_.empty()) {
+        notifyChanged(0, rows_.size() - 1);
+    }
+}
+
+void EntryTable::clearSelection() {
+    for (Entry& row : rows_) {
+        row.selected = false;
+    }
+    if (!rows_.empty()) {
+        notifyChanged(0, rows_.size() - 1);
+    }
+}
+
+void EntryTable::setSelection(const std::vector<bool>& selected) {
+    for (std::size_t row = 0; row < rows_.size(); ++row) {
+        rows_[row].selected = row < selected.size() && selected[row];
+    }
+    if (!rows_.empty()) {
+        notifyChanged(0, rows_.size() - 1);
+    }
+}
+
+std::size_t EntryTable::selectedCount() const {
+    return static_cast<std::size_t>(
+        std::count_if(rows_.begin(), rows_.end(), [](const Entry& e) { return e.selected; }));
+}
+
+std::uint64_t EntryTable::highestOffset() const {
+    std::uint64_t highest = 0;
+    for (const Entry& row : rows_) {
+        highest = std::max(highest, row.byteOffset());
+    }
+    return highest;
+}
+
+std::uint64_t EntryTable::appendOffset() const {
+    if (rows_.empty()) {
+        return 0;
+    }
+    const std::uint64_t highest = highestOffset();
+    std::uint64_t largest = 0;
+    for (const Entry& row : rows_) {
+        if (row.byteOffset() == highest) {
+            largest = std::max(largest, row.byteCount());
+        }
+    }
+    return highest + largest;
+}
+
+void EntryTable::addObserver(EntryTableObserver* observer) {
+    observers_.push_back(observer);
+}
+
+void EntryTable::removeObserver(EntryTableObserver* observer) {
+    observers_.erase(std::remove(observers_.begin(), observers_.end(), observer), observers_.end());
+}
+
+void EntryTable::notifyInserted(std::size_t first, std::size_t count) {
+    for (auto* o : observers_)
+        o->rowsInserted(first, count);
+}
+void EntryTable::notifyRemoved(std::size_t first, std::size_t count) {
+    for (auto* o : observers_)
+        o->rowsRemoved(first, count);
+}
+void EntryTable::notifyChanged(std::size_t first, std::size_t last) {
+    for (auto* o : observers_)
+        o->rowsChanged(first, last);
+}
+void EntryTable::notifyReset() {
+    for (auto* o : observers_)
+        o->tableReset();
+}
+
+} // namespace korvel

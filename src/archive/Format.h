@@ -1,0 +1,77 @@
+// The on-disk form of an archive: a ".img" data file of 2048-byte sectors and
+// a ".dir" directory file of 32-byte records (start sector, size in sectors,
+// 24-byte name). Every rule about those bytes lives here so that adding,
+// replacing, rebuilding, the reports and the command line all agree.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace korvel {
+
+inline constexpr std::uint64_t SectorSize = 2048;
+inline constexpr std::size_t RecordSize = 32;
+inline constexpr std::size_t NameFieldSize = 24;
+// The record count is held in a signed 16-bit number, so a directory lists
+// at most this many entries.
+inline constexpr std::size_t MaxRecords = 32767;
+// The separator entry: 24 hyphens.
+inline constexpr std::string_view MarkerName = "------------------------";
+
+// One directory record. The name is kept as its raw 8-bit bytes (Windows-1252),
+// without the zero padding.
+struct DirRecord {
+    std::uint32_t startSector = 0;
+    std::uint32_t sizeSectors = 0;
+    std::string name;
+};
+
+// Sectors a stored file of `byteCount` bytes takes: the smallest multiple of
+// 2048 strictly greater than the size, so there is always at least one zero
+// byte of padding (an empty file takes one sector).
+std::uint64_t SectorsForFile(std::uint64_t byteCount);
+
+// Byte offset of a sector. 64-bit, so data files past 2 GiB work.
+constexpr std::uint64_t SectorToOffset(std::uint32_t sector) {
+    return std::uint64_t{sector} * SectorSize;
+}
+
+// The texts the list shows: upper-case hex of the byte offset without leading
+// zeros ("0" for 0), and kilobytes (sectors x 2) followed by "kb".
+std::string OffsetText(std::uint32_t startSector);
+std::string SizeText(std::uint32_t sizeSectors);
+
+// Number of records a directory file of `byteLength` bytes lists: length / 32
+// rounded to the nearest whole number, halves to even. A result above
+// MaxRecords means the file cannot be opened.
+std::uint64_t RecordCountForLength(std::uint64_t byteLength);
+
+// Decodes a directory file's bytes. A last record of which only part is present
+// (the count rule rounds it up) reads its missing bytes as zeros; trailing bytes
+// that the count rule rounds away are ignored.
+std::vector<DirRecord> DecodeDirectory(std::string_view bytes);
+
+// Encodes records as 32-byte records. Names longer than 24 bytes are cut.
+std::string EncodeDirectory(const std::vector<DirRecord>& records);
+
+// Name bytes as stored in a record: everything before the first zero byte of
+// the 24-byte field.
+std::string NameFromField(const char* field);
+
+// Path of the directory file that belongs to a data file. The classic rule is
+// "lower-case the path and replace every .img by .dir"; that only works on a
+// case-insensitive file system. On a case-sensitive one we keep the folder as
+// it is and look, in order, for: the data file's name with its extension
+// swapped for ".dir" in the same letter case, the classic lower-cased name, and
+// any file in the folder matching either ignoring case. When none exists the
+// first candidate is returned (it is the name a new archive gets).
+std::filesystem::path DirectoryPathFor(const std::filesystem::path& dataPath);
+
+// True when the name ends in ".img", ignoring case.
+bool HasImgExtension(std::string_view name);
+
+} // namespace korvel

@@ -1,0 +1,72 @@
+#include "archive/Format.h"
+#include "archive/Names.h"
+#include "cli/Verbs.h"
+#include "platform/FileSystem.h"
+
+#include <cstdio>
+
+namespace korvel::cli {
+namespace {
+
+int List(const Arguments& args) {
+    Session session;
+    if (args.has("--sort")) {
+        const std::string& order = args.options.at("--sort");
+        if (order != "name" && order != "offset") {
+            return Fail("--sort takes \"name\" or \"offset\", not \"" + order + "\"");
+        }
+        if (order == "name") {
+            session.editor().table().setOrder(EntryTable::Order::Name);
+        }
+    }
+    if (!session.open(args.operands[0])) {
+        return ExitFailure;
+    }
+    std::string out;
+    for (const Entry& entry : session.editor().table().rows()) {
+        out += Cp1252ToUtf8(entry.name);
+        out += '\t';
+        out += OffsetText(entry.startSector);
+        out += '\t';
+        out += SizeText(entry.sizeSectors);
+        out += '\n';
+    }
+    std::fwrite(out.data(), 1, out.size(), stdout);
+    return std::fflush(stdout) == 0 ? 0 : Fail("cannot write the listing");
+}
+
+int New(const Arguments& args) {
+    Session session;
+    const std::string& path = args.operands[0];
+    const bool force = args.has("--force");
+    const std::string target = HasImgExtension(path) ? path : path + ".img";
+    if (FileExists(target) && !force) {
+        return Fail(target + " already exists; give --force to replace it with an empty archive");
+    }
+    session.desktop().fileDialogPaths = {path};
+    session.desktop().yesAnswer = force;
+    session.editor().FileNew();
+    if (!session.editor().isOpen()) {
+        return Fail(session.failure("cannot create " + target));
+    }
+    return 0;
+}
+
+} // namespace
+
+void AddArchiveVerbs(VerbTable& verbs) {
+    verbs["list"] = {"list ARCHIVE.img [--sort name]",
+                     "print one line per entry: name, TAB, offset, TAB, size",
+                     {{"--sort", true}},
+                     1,
+                     1,
+                     List};
+    verbs["new"] = {"new ARCHIVE.img [--force]",
+                    "create an empty archive (--force replaces an existing one)",
+                    {{"--force", false}},
+                    1,
+                    1,
+                    New};
+}
+
+} // namespace korvel::cli

@@ -1,0 +1,75 @@
+// Everything a command may ask of the person at the desk. The engine talks to
+// the screen only through this interface: the Qt window implements it with
+// real widgets, tests with a scripted answer queue, the command-line tool with
+// stderr and fixed answers. All text crossing it is UTF-8.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace korvel {
+
+enum class MessageIcon { None, Information, Exclamation, Critical };
+
+struct FileDialogRequest {
+    std::string title;
+    // Qt filter syntax: "IMG archives (*.img);;All files (*)".
+    std::string filter;
+    std::string startFolder; // empty: the desktop's choice
+    std::string presetName;  // empty: no preset
+    bool multiple = false;
+};
+
+struct FileDialogAnswer {
+    enum class Outcome { Chosen, Cancelled, Failed };
+    Outcome outcome = Outcome::Cancelled;
+    std::vector<std::string> paths; // full paths, when chosen
+
+    bool chosen() const { return outcome == Outcome::Chosen && !paths.empty(); }
+};
+
+struct Rgb {
+    int red = 0;
+    int green = 0;
+    int blue = 0;
+    friend bool operator==(const Rgb&, const Rgb&) = default;
+};
+
+class Desktop {
+public:
+    virtual ~Desktop() = default;
+
+    // A message box with an OK button. An empty title means the program's own.
+    virtual void ShowMessage(const std::string& text, const std::string& title,
+                             MessageIcon icon) = 0;
+    // A Yes/No question; true only for Yes. An empty title means the program's own.
+    virtual bool AskYesNo(const std::string& text, const std::string& title) = 0;
+
+    virtual FileDialogAnswer OpenFileDialog(const FileDialogRequest& request) = 0;
+    virtual FileDialogAnswer SaveFileDialog(const FileDialogRequest& request) = 0;
+    // The chosen folder, or nothing when cancelled.
+    virtual std::optional<std::string> ChooseFolderDialog(const std::string& title) = 0;
+    // The typed text, or nothing when cancelled.
+    virtual std::optional<std::string> InputBox(const std::string& prompt, const std::string& title,
+                                                const std::string& initial) = 0;
+    virtual std::optional<Rgb> PickColour() = 0;
+
+    // Status bar: panel 1 carries the last command's message, panel 2 the
+    // statistics; the path of the open archive goes to the bar's tool-tip.
+    virtual void SetStatus(const std::string& text) = 0;
+    virtual void SetStats(const std::string& text) = 0;
+    virtual void SetArchivePath(const std::string& path) = 0;
+    // Progress bar PB1: shown with a range, stepped, hidden again.
+    virtual void ShowProgress(int maximum) = 0;
+    virtual void SetProgress(int value) = 0;
+    virtual void HideProgress() = 0;
+    virtual void SetBusy(bool busy) = 0;
+
+    virtual void SetClipboardText(const std::string& text) = 0;
+    // Opens a file or web address with the desktop's associated program.
+    virtual bool OpenWithShell(const std::string& pathOrAddress) = 0;
+};
+
+} // namespace korvel

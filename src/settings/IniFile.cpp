@@ -1,0 +1,242 @@
+#include "settings/IniFile.h"
+
+#include "archive/Names.h"
+#include "platform/FileSystem.h"
+
+#include <map>
+#include <mutex>
+#include <sys/stat.h>
+#include <vector>
+
+namespace korvel {
+namespace {
+
+std::string_view Trim(std::string_view text) {
+    const auto first = text.find_first_not_of(" \t");
+    if (first == std::string_view::npos) {
+        return {};
+    }
+    const auto last = text.find_last_not_of(" \t");
+    return text.substr(first, last - first + 1);
+}
+
+std::vector<std::string_view> SplitLines(std::string_view content) {
+    std::vector<std::string_view> lines;
+    std::size_t start = 0;
+    while (start < content.size()) {
+        std::size_t end = content.find('\n', start);
+        const std::size_t next = end == std::string_view::npos ? content.size() : end + 1;
+        if (end == std::string_view::npos) {
+            end = content.size();
+        }
+        std::string_view line = content.substr(start, end - start);
+        if (!line.empty() && line.back() == '\r') {
+            line.remove_suffix(1);
+        }
+        lines.push_back(line);
+        start = next;
+    }
+    return lines;
+}
+
+// The section a header line names, or nothing when the line is no header.
+std::optional<std::string_view> SectionOf(std::string_view line) {
+    const std::string_view trimmed = Trim(line);
+    if (trimmed.empty() || trimmed.front() != '[') {
+        return std::nullopt;
+    }
+    std::string_view inner = trimmed.substr(1);
+    const auto close = inner.find(']');
+    if (close != std::string_view::npos) {
+        inner = inner.substr(0, close);
+    }
+    return Trim(inner);
+}
+
+struct KeyLine {
+    std::string_view key;
+    std::string_view value;
+};
+
+std::optional<KeyLine> KeyOf(std::string_view line) {
+    const auto equals = line.find('=');
+    if (equals == std::string_view::npos) {
+        return std::nullopt;
+    }
+    return KeyLine{Trim(line.substr(0, equals)), Trim(line.substr(equals + 1))};
+}
+
+std::string CleanValue(std::string_view value) {
+    // A value wrapped in matching quotes loses them, as the profile functions do.
+    if (value.size() >= 2 && (value.front() == '"' || value.front() == '\'') &&
+        value.back() == value.front()) {
+        value = value.substr(1, value.size() - 2);
+    }
+    return std::string(value.substr(0, MaxValueLength));
+}
+
+using ParsedIni = std::map<std::string, std::map<std::string, std::string>>;
+
+ParsedIni Parse(std::string_view content) {
+    ParsedIni parsed;
+    std::map<std::string, std::string>* current = nullptr;
+    for (std::string_view line : SplitLines(content)) {
+        if (const auto section = SectionOf(line)) {
+            current = &parsed[ToLowerCp1252(*section)];
+            continue;
+        }
+        if (current == nullptr) {
+            continue;
+        }
+        if (const auto keyLine = KeyOf(line)) {
+            current->emplace(ToLowerCp1252(keyLine->key), CleanValue(keyLine->value));
+        }
+    }
+    return parsed;
+}
+
+struct FileIdentity {
+    off_t size = -1;
+    long long mtimeNs = 0;
+    ino_t inode = 0;
+    dev_t device = 0;
+    bool operator==(const FileIdentity&) const = default;
+};
+
+std::optional<FileIdentity> IdentityOf(const std::filesystem::path& file) {
+    struct stat info {};
+    if (::stat(file.c_str(), &info) != 0) {
+        return std::nullopt;
+    }
+#ifdef __APPLE__
+    const long long ns = info.st_mtimespec.tv_sec * 1000000000LL + info.st_mtimespec.tv_nsec;
+#else
+    const long long ns = info.st_mtim.tv_sec * 1000000000LL + info.st_mtim.tv_nsec;
+#endif
+    return FileIdentity{info.st_size, ns, info.st_ino, info.st_dev};
+}
+
+struct CachedFile {
+    FileIdentity identity;
+    ParsedIni parsed;
+};
+
+std::mutex cacheMutex;
+std::map<std::string, CachedFile> cache;
+
+} // namespace
+
+std::optional<std::string> LookupInContent(std::string_view content, std::string_view section,
+                                           std::string_view key) {
+    const ParsedIni parsed = Parse(content);
+    const auto inSection = parsed.find(ToLowerCp1252(section));
+    if (inSection == parsed.end()) {
+        return std::nullopt;
+    }
+    const auto value = inSection->second.find(ToLowerCp1252(key));
+    if (value == inSection->second.end()) {
+        return std::nullopt;
+    }
+    return value->second;
+}
+
+std::string WriteInContent(std::string_view content, std::string_view section, std::string_view key,
+                           std::string_view value) {
+    const bool crlf = content.find("\r\n") != std::string_view::npos ||
+                      content.find('\n') == std::string_view::npos;
+    const std::string_view eol = crlf ? "\r\n" : "\n";
+    const std::string newLine = std::string(key) + "=" + std::string(value);
+
+    std::vector<std::string> lines;
+    for (std::string_view line : SplitLines(content)) {
+        lines.emplace_back(line);
+    }
+
+    std::optional<std::size_t> header;
+    std::optional<std::size_t> lastInSection;
+    bool inSection = false;
+    bool replaced = false;
+    for (std::size_t i = 0; i < lines.size() && !replaced; ++i) {
+        if (const auto name = SectionOf(lines[i])) {
+            if (inSection) {
+                break; // the first section of that name is the one that counts
+            }
+            inSection = EqualsIgnoreCase(*name, section);
+            if (inSection) {
+                header = i;
+                lastInSection = i;
+            }
+            continue;
+        }
+        if (!inSection) {
+            continue;
+        }
+        if (!Trim(lines[i]).empty()) {
+            lastInSection = i;
+        }
+        if (const auto keyLine = KeyOf(lines[i]); keyLine && EqualsIgnoreCase(keyLine->key, key)) {
+            lines[i] = newLine;
+            replaced = true;
+        }
+    }
+    if (!replaced) {
+        if (header) {
+            lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(*lastInSection) + 1, newLine);
+        } else {
+            lines.push_back("[" + std::string(section) + "]");
+            lines.push_back(newLine);
+        }
+    }
+
+    std::string out;
+    for (const std::string& line : lines) {
+        out += line;
+        out += eol;
+    }
+    return out;
+}
+
+std::string ReadProfileString(const std::filesystem::path& file, std::string_view section,
+                              std::string_view key) {
+    const auto identity = IdentityOf(file);
+    if (!identity) {
+        return std::string(SettingsError);
+    }
+    std::lock_guard lock(cacheMutex);
+    CachedFile& cached = cache[file.string()];
+    if (!(cached.identity == *identity)) {
+        FsError error;
+        const auto content = ReadSmallFile(file, error);
+        if (!content) {
+            cache.erase(file.string());
+            return std::string(SettingsError);
+        }
+        cached.parsed = Parse(*content);
+        cached.identity = *identity;
+    }
+    const auto inSection = cached.parsed.find(ToLowerCp1252(section));
+    if (inSection == cached.parsed.end()) {
+        return std::string(SettingsError);
+    }
+    const auto value = inSection->second.find(ToLowerCp1252(key));
+    return value == inSection->second.end() ? std::string(SettingsError) : value->second;
+}
+
+bool WriteProfileString(const std::filesystem::path& file, std::string_view section,
+                        std::string_view key, std::string_view value) {
+    FsError error;
+    std::string content;
+    if (FileExists(file)) {
+        const auto existing = ReadSmallFile(file, error);
+        if (!existing) {
+            return false;
+        }
+        content = *existing;
+    }
+    const FsError written = WriteFileAtomically(file, WriteInContent(content, section, key, value));
+    std::lock_guard lock(cacheMutex);
+    cache.erase(file.string());
+    return written.empty();
+}
+
+} // namespace korvel

@@ -1,0 +1,50 @@
+// The editor's settings (korvel.ini, section "korvel") and its interface texts
+// (lang.ini, one section per language). Nothing is held in memory between
+// calls: every read sees the file as it is now.
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace korvel {
+
+// "True"/"False" in any letter case, or a number (0 is false). Anything else
+// (such as "Settings error") is nothing; callers take that as false.
+std::optional<bool> BooleanWord(std::string_view value);
+
+class Settings {
+public:
+    // Settings kept in `settingsFile`, texts looked up in `languageFile`.
+    Settings(std::filesystem::path settingsFile, std::filesystem::path languageFile);
+    // Settings that live only in memory, starting from the defaults. The
+    // command-line tool uses this so it never touches the editor's korvel.ini.
+    static Settings InMemory(std::filesystem::path languageFile);
+
+    std::string ReadSetting(std::string_view key) const;
+    void WriteSetting(std::string_view value, std::string_view key);
+    // A text of the current language; "Settings error" when missing.
+    std::string LookupText(std::string_view key) const;
+
+    void EnsureSettingsFile();
+    void WriteDefaultSettings();
+
+    const std::filesystem::path& settingsFile() const { return settingsFile_; }
+    const std::filesystem::path& languageFile() const { return languageFile_; }
+
+    // The default file's lines, without line ends (the header's date line
+    // carries the given date and time texts).
+    static std::vector<std::string> DefaultFileLines(std::string_view date, std::string_view time);
+    static std::string DefaultValue(std::string_view key);
+
+private:
+    std::filesystem::path settingsFile_;
+    std::filesystem::path languageFile_;
+    bool inMemory_ = false;
+    std::map<std::string, std::string, std::less<>> memory_; // keys lower-cased
+};
+
+} // namespace korvel

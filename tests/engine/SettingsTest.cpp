@@ -1,0 +1,235 @@
+#include "settings/Settings.h"
+#include "TestFolder.h"
+#include "settings/IniFile.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <regex>
+#include <set>
+
+namespace korvel {
+namespace {
+
+namespace fs = std::filesystem;
+
+TEST(IniFile, ReadsLikeTheProfileFunctions) {
+    const std::string content = "stray=before any section\r\n"
+                                "  [Korvel]  \r\n"
+                                "  l1r = 233  \r\n"
+                                "// Line colors RGB format\r\n"
+                                "Path=C:\\games\\gta3.img\r\n"
+                                "quoted=\"  spaced  \"\r\n"
+                                "equals=a=b\r\n"
+                                "dup=first\r\n"
+                                "dup=second\r\n"
+                                "[other]\n"
+                                "l1r=1\n";
+    struct Case {
+        const char* section;
+        const char* key;
+        std::optional<std::string> value;
+    };
+    const Case cases[] = {
+        {"korvel", "l1r", "233"},
+        {"KORVEL", "L1R", "233"},
+        {"korvel", "path", "C:\\games\\gta3.img"},
+        {"korvel", "quoted", "  spaced  "},
+        {"korvel", "equals", "a=b"},
+        {"korvel", "dup", "first"},
+        {"korvel", "stray", std::nullopt},
+        {"korvel", "// Line colors RGB format", std::nullopt},
+        {"other", "l1r", "1"},
+        {"missing", "l1r", std::nullopt},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(LookupInContent(content, c.section, c.key), c.value) << c.section << "/" << c.key;
+    }
+    const std::string longValue = "[k]\nkey=" + std::string(300, 'v') + "\n";
+    EXPECT_EQ(LookupInContent(longValue, "k", "key"), std::string(254, 'v'));
+}
+
+TEST(IniFile, WritesReplaceInPlaceAndKeepEverythingElse) {
+    const std::string content = "header line\r\n"
+                                "[Korvel]\r\n"
+                                "recent1=none\r\n"
+                                "sort=offset\r\n"
+                                "\r\n"
+                                "// Line colors RGB format\r\n"
+                                "l1r = 233\r\n"
+                                "[next]\r\n"
+                                "x=1\r\n";
+    EXPECT_EQ(WriteInContent(content, "korvel", "SORT", "name"),
+              "header line\r\n[Korvel]\r\nrecent1=none\r\nSORT=name\r\n\r\n"
+              "// Line colors RGB format\r\nl1r = 233\r\n[next]\r\nx=1\r\n");
+    // A new key goes to the end of its section, before the next one.
+    EXPECT_EQ(WriteInContent(content, "korvel", "lastAdd", "none"),
+              "header line\r\n[Korvel]\r\nrecent1=none\r\nsort=offset\r\n\r\n"
+              "// Line colors RGB format\r\nl1r = 233\r\nlastAdd=none\r\n[next]\r\nx=1\r\n");
+    // A missing section is created at the end; an empty file gets CRLF lines.
+    EXPECT_EQ(WriteInContent("[a]\nk=v\n", "b", "k", "w"), "[a]\nk=v\n[b]\nk=w\n");
+    EXPECT_EQ(WriteInContent("", "korvel", "k", "v"), "[korvel]\r\nk=v\r\n");
+}
+
+TEST(IniFile, EveryReadSeesTheFileAsItIsNow) {
+    test::TestFolder folder;
+    const fs::path file = folder / "x.ini";
+    EXPECT_EQ(ReadProfileString(file, "s", "k"), SettingsError);
+    test::WriteBytes(file, "[s]\nk=A\n");
+    EXPECT_EQ(ReadProfileString(file, "s", "k"), "A");
+    // Another program rewrites the file in place with the same size: the
+    // cached copy must not hide the change.
+    const auto stamp = fs::last_write_time(file);
+    test::WriteBytes(file, "[s]\nk=B\n");
+    fs::last_write_time(file, stamp + std::chrono::seconds(2));
+    EXPECT_EQ(ReadProfileString(file, "s", "k"), "B");
+    ASSERT_TRUE(WriteProfileString(file, "S", "k", "C"));
+    EXPECT_EQ(ReadProfileString(file, "s", "K"), "C");
+    fs::remove(file);
+    EXPECT_EQ(ReadProfileString(file, "s", "k"), SettingsError);
+}
+
+TEST(Settings, BooleanWords) {
+    const std::pair<const char*, std::optional<bool>> cases[] = {{"True", true},
+                                                                 {"FALSE", false},
+                                                                 {"true", true},
+                                                                 {"0", false},
+                                                                 {"1", true},
+                                                                 {"-1", true},
+                                                                 {"Settings error", std::nullopt},
+                                                                 {"", std::nullopt},
+                                                                 {"yes", std::nullopt},
+                                                                 {"1x", std::nullopt}};
+    for (const auto& [word, value] : cases) {
+        EXPECT_EQ(BooleanWord(word), value) << word;
+    }
+}
+
+TEST(Settings, DefaultFileIsWrittenOnceLineByLine) {
+    test::TestFolder folder;
+    Settings settings(folder / "korvel.ini", folder / "lang.ini");
+    settings.EnsureSettingsFile();
+    const std::string content = test::ReadBytes(folder / "korvel.ini");
+
+    std::vector<std::string> lines;
+    for (std::size_t start = 0; start < content.size();) {
+        const std::size_t end = content.find("\r\n", start);
+        ASSERT_NE(end, std::string::npos) << "every line ends in CR LF";
+        lines.push_back(content.substr(start, end - start));
+        start = end + 2;
+    }
+    ASSERT_EQ(lines.size(), 40u);
+    EXPECT_EQ(lines[0], std::string(79, '-'));
+    EXPECT_EQ(lines[1], std::string(31, ' ') + "Korvel 1.0 Settings");
+    EXPECT_EQ(lines[2], std::string(79, '-'));
+    EXPECT_EQ(lines[3], "File.................: korvel.ini");
+    EXPECT_EQ(lines[4], "Version..............: 1.0");
+    EXPECT_TRUE(std::regex_match(lines[5], std::regex(R"(Created\.{14}: .+ @ .+)"))) << lines[5];
+    for (int i = 6; i <= 8; ++i) {
+        EXPECT_TRUE(std::regex_match(lines[static_cast<std::size_t>(i)],
+                                     std::regex(R"([A-Za-z ]+\.+: .+)")));
+        EXPECT_EQ(lines[static_cast<std::size_t>(i)].find(": "), 21u);
+    }
+    EXPECT_EQ(lines[9], "");
+    const std::vector<std::string> rest(lines.begin() + 10, lines.end());
+    const std::vector<std::string> expected = {"[Korvel]",
+                                               "recent1=none",
+                                               "recent2=none",
+                                               "recent3=none",
+                                               "lastAdd=none",
+                                               "lastExtract=none",
+                                               "sort=offset",
+                                               "showGrid=True",
+                                               "autoLoad=True",
+                                               "showColors=True",
+                                               "firstRun=True",
+                                               "lastSearch=***",
+                                               "deleteProm=True",
+                                               "addingOpt=replace",
+                                               "addingScan=True",
+                                               "lastFileSearch=name of a texture",
+                                               "rebuildPrompt=False",
+                                               "archiveState=peachy",
+                                               "scanPrompt=0",
+                                               "lastQR=none",
+                                               "qrSetting=1",
+                                               "language=english",
+                                               "",
+                                               "// Line colors RGB format",
+                                               "l1r = 233",
+                                               "l1g = 233",
+                                               "l1b = 233",
+                                               "l2r = 255",
+                                               "l2g = 255",
+                                               "l2b = 255"};
+    EXPECT_EQ(rest, expected);
+
+    // Every key reads its default, colours without the spaces.
+    EXPECT_EQ(settings.ReadSetting("l1r"), "233");
+    EXPECT_EQ(settings.ReadSetting("l2b"), "255");
+    EXPECT_EQ(settings.ReadSetting("lastSearch"), "***");
+    EXPECT_EQ(settings.ReadSetting("nothing"), SettingsError);
+
+    // An existing file is never written whole again.
+    settings.WriteSetting("name", "sort");
+    settings.EnsureSettingsFile();
+    EXPECT_EQ(settings.ReadSetting("sort"), "name");
+}
+
+TEST(Settings, SectionHeaderCaseAndMissingLanguage) {
+    test::TestFolder folder;
+    test::WriteBytes(folder / "korvel.ini", "[KORVEL]\r\nlanguage=ENGLISH\r\nsort=name\r\n");
+    Settings settings(folder / "korvel.ini", folder / "lang.ini");
+    EXPECT_EQ(settings.ReadSetting("sort"), "name");
+    EXPECT_NE(settings.LookupText("ready"), SettingsError); // section names ignore case
+    settings.WriteSetting("klingon", "language");
+    EXPECT_EQ(settings.LookupText("ready"), SettingsError);
+    settings.WriteSetting("english", "language");
+    fs::remove(folder / "lang.ini");
+    EXPECT_EQ(settings.LookupText("ready"), SettingsError);
+}
+
+TEST(Settings, InMemorySettingsNeverTouchTheDisk) {
+    test::TestFolder folder;
+    Settings settings = Settings::InMemory(folder / "lang.ini");
+    settings.EnsureSettingsFile();
+    settings.WriteSetting("a.img", "recent1");
+    EXPECT_EQ(settings.ReadSetting("recent1"), "a.img");
+    EXPECT_EQ(settings.ReadSetting("RECENT2"), "none");
+    EXPECT_FALSE(fs::exists(folder / "korvel.ini"));
+}
+
+// The language file must carry every key the code looks up, in every
+// language it ships, or the person sees "Settings error" on screen.
+TEST(LanguageFile, HoldsEveryKeyTheCodeLooksUp) {
+    std::set<std::string> used;
+    const std::regex lookup(R"re((?:\btext|LookupText)\(\s*"([A-Za-z0-9]+)"\s*\))re");
+    for (const auto& item : fs::recursive_directory_iterator(fs::path(KORVEL_SOURCE_DIR) / "src")) {
+        const auto ext = item.path().extension();
+        if (ext != ".cpp" && ext != ".h") {
+            continue;
+        }
+        const std::string source = test::ReadBytes(item.path());
+        for (std::sregex_iterator it(source.begin(), source.end(), lookup), end; it != end; ++it) {
+            used.insert((*it)[1]);
+        }
+    }
+    ASSERT_GT(used.size(), 10u) << "the scan found the code's lookups";
+
+    const std::string lang = test::ReadBytes(KORVEL_LANG_INI);
+    std::vector<std::string> sections;
+    const std::regex header(R"(^\[([^\]]+)\]\s*$)", std::regex::multiline);
+    for (std::sregex_iterator it(lang.begin(), lang.end(), header), end; it != end; ++it) {
+        sections.push_back((*it)[1]);
+    }
+    EXPECT_EQ(sections, (std::vector<std::string>{"english", "francais", "deutsch"}));
+    for (const std::string& section : sections) {
+        for (const std::string& key : used) {
+            const auto value = LookupInContent(lang, section, key);
+            EXPECT_TRUE(value && !value->empty()) << section << " lacks " << key;
+        }
+    }
+}
+
+} // namespace
+} // namespace korvel
