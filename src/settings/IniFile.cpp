@@ -5,6 +5,7 @@
 
 #include <map>
 #include <mutex>
+#include <cstdint>
 #include <sys/stat.h>
 #include <vector>
 
@@ -95,25 +96,39 @@ ParsedIni Parse(std::string_view content) {
     return parsed;
 }
 
+// What tells us a file changed since we parsed it: size, modification time
+// and, where the system has them, inode and device (a file replaced by a
+// rename gets a new inode even when size and time agree).
 struct FileIdentity {
-    off_t size = -1;
+    std::uint64_t size = 0;
     long long mtimeNs = 0;
-    ino_t inode = 0;
-    dev_t device = 0;
+    std::uint64_t inode = 0;
+    std::uint64_t device = 0;
     bool operator==(const FileIdentity&) const = default;
 };
 
 std::optional<FileIdentity> IdentityOf(const std::filesystem::path& file) {
+#ifdef _WIN32
+    std::error_code ec;
+    const auto size = std::filesystem::file_size(file, ec);
+    if (ec) {
+        return std::nullopt;
+    }
+    const auto time = std::filesystem::last_write_time(file, ec);
+    if (ec) {
+        return std::nullopt;
+    }
+    return FileIdentity{size, static_cast<long long>(time.time_since_epoch().count()), 0, 0};
+#else
     struct stat info {};
     if (::stat(file.c_str(), &info) != 0) {
         return std::nullopt;
     }
-#ifdef __APPLE__
-    const long long ns = info.st_mtimespec.tv_sec * 1000000000LL + info.st_mtimespec.tv_nsec;
-#else
     const long long ns = info.st_mtim.tv_sec * 1000000000LL + info.st_mtim.tv_nsec;
+    return FileIdentity{static_cast<std::uint64_t>(info.st_size), ns,
+                        static_cast<std::uint64_t>(info.st_ino),
+                        static_cast<std::uint64_t>(info.st_dev)};
 #endif
-    return FileIdentity{info.st_size, ns, info.st_ino, info.st_dev};
 }
 
 struct CachedFile {

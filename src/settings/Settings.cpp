@@ -43,7 +43,11 @@ std::string Label(std::string_view label, std::string_view value) {
 std::string FormatNow(const char* format) {
     const std::time_t now = std::time(nullptr);
     std::tm local{};
+#ifdef _WIN32
+    localtime_s(&local, &now);
+#else
     localtime_r(&now, &local);
+#endif
     char buffer[64] = {};
     std::strftime(buffer, sizeof buffer, format, &local);
     return buffer;
