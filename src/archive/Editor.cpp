@@ -1,6 +1,7 @@
 #include "archive/Editor.h"
 
 #include "archive/Format.h"
+#include "archive/RebuildJournal.h"
 #include "platform/FileSystem.h"
 
 #include <system_error>
@@ -87,6 +88,8 @@ void Editor::AddPlaceholderRow() {
 }
 
 bool Editor::OpenArchive(const std::string& path) {
+    // A rebuild cut short is finished or cleared before anything is read.
+    RecoverInterruptedRebuild(path);
     dataPath_ = path;
     dirPath_ = DirectoryPathFor(path).string();
 

@@ -58,5 +58,7 @@ private:
 };
 
 void AddArchiveVerbs(VerbTable& verbs); // list, new
+// extract, add, replace, rename, lowercase, delete, move-to-end, rebuild
+void AddEntryVerbs(VerbTable& verbs);
 
 } // namespace korvel::cli

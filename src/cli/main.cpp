@@ -37,6 +37,7 @@ const VerbTable& Verbs() {
     static const VerbTable verbs = [] {
         VerbTable table;
         AddArchiveVerbs(table);
+        AddEntryVerbs(table);
         return table;
     }();
     return verbs;

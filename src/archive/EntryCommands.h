@@ -1,0 +1,103 @@
+// The commands that work on entries: extracting and viewing, adding,
+// replacing, deleting and moving, rebuilding, renaming and name case. They
+// act on the open archive of an Editor, talk to the person through its
+// Desktop and the EntryDialogs, and keep the table, the directory file and
+// the data file in agreement when something fails. Rows are 0-based here.
+#pragma once
+
+#include "archive/Editor.h"
+#include "archive/RebuildJournal.h"
+#include "platform/EntryDialogs.h"
+#include "platform/FileSystem.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace korvel {
+
+// Refuses entry names that would not stay inside the chosen folder as a file
+// name: empty, ".", "..", or holding "/", "\\" or NUL. Empty when the name is
+// safe, else a message that names the entry.
+std::string UnsafeNameProblem(const std::string& rawName);
+
+class EntryCommands {
+public:
+    enum class ExtractMode { Ask, Quick };
+    enum class AddResult { Added, Skipped, Replaced, Failed };
+    enum class NameCase { Whole, BeforeExtension, Extension };
+
+    // Registers ComRebuild as the editor's rebuild command (offered on
+    // closing); the destructor takes it back.
+    EntryCommands(Editor& editor, EntryDialogs& dialogs);
+    ~EntryCommands();
+    EntryCommands(const EntryCommands&) = delete;
+    EntryCommands& operator=(const EntryCommands&) = delete;
+
+    // --- extracting and viewing ----------------------------------------------
+    // Both return the number of selected entries that were not written.
+    std::size_t EditExtract();
+    std::size_t EditQuick();
+    bool ExtractEntry(std::size_t row, ExtractMode mode);
+    std::string ChooseFolder();
+    void ViewSelectedEntries();
+    void EnsureTempsFolder();
+    const std::string& pickedFolder() const { return pickedFolder_; }
+
+    // --- replacing -----------------------------------------------------------
+    // Puts the file's data in place of the row's; empty on success, else the
+    // description of the failure (nothing reported to the person).
+    FsError ReplaceEntry(const std::string& path, std::size_t row);
+    void ComReplace();
+    void ReplaceEntryWithDialog(std::size_t row);
+
+    // --- adding --------------------------------------------------------------
+    // Adds one file under `name` (raw Windows-1252 bytes; "renameNew" changes
+    // it). Does not write the directory file.
+    AddResult AddFile(const std::string& path, std::string& name);
+    // Adds files given by full path, texture dictionaries last, and writes
+    // the directory once. `fromDialog` chooses the add dialog's status texts
+    // over those of a drop. Returns the number of files that failed.
+    std::size_t AddFileBatch(const std::vector<std::string>& paths, bool fromDialog = false);
+    // The open dialog's answer: full paths, none when cancelled.
+    std::vector<std::string> AddDialog();
+    void EditAdd();
+    // The `AddingScan` menu item: flips the duplicate scan.
+    void AddingScan();
+
+    // --- deleting and moving -------------------------------------------------
+    void ComDel();
+    bool DeleteSelectedEntries();
+    void ComMove() { MoveSelectedToEnd(); }
+    void MoveSelectedToEnd();
+
+    // --- rebuilding ----------------------------------------------------------
+    void ComRebuild();
+    // Returns true when the rebuilt archive is open.
+    bool Rebuild();
+
+    // --- renaming and name case ----------------------------------------------
+    void ComRename();
+    // The rename dialog's `DoRename`: `typed` is UTF-8. False keeps the
+    // dialog open.
+    bool DoRename(std::size_t row, const std::string& typed);
+    void ConvLFName() { LowerCaseSelected(NameCase::Whole); }
+    void EditLowCaseName() { LowerCaseSelected(NameCase::BeforeExtension); }
+    void EditLowCase() { LowerCaseSelected(NameCase::Extension); }
+    void LowerCaseSelected(NameCase which);
+
+private:
+    class NameIndex;
+
+    std::size_t ExtractSelected(ExtractMode firstMode);
+    AddResult AddFileIndexed(const std::string& path, std::string& name, NameIndex& index);
+    bool DeleteSelected(const std::vector<Entry>& restoreOnFailure);
+    bool ReplaceWithDialog(std::size_t row);
+    void ReportAddFailure(const std::string& description, const std::string& name);
+
+    Editor& editor_;
+    EntryDialogs& dialogs_;
+    std::string pickedFolder_;
+};
+
+} // namespace korvel

@@ -1,0 +1,182 @@
+// Extracting entries to a folder and viewing them through the temps folder.
+#include "archive/EntryCommands.h"
+
+#include "platform/FileCopy.h"
+#include "platform/Folders.h"
+
+#include <system_error>
+
+namespace korvel {
+namespace fs = std::filesystem;
+namespace {
+
+std::string Trimmed(const std::string& text) {
+    const auto first = text.find_first_not_of(" \t");
+    if (first == std::string::npos) {
+        return {};
+    }
+    const auto last = text.find_last_not_of(" \t");
+    return text.substr(first, last - first + 1);
+}
+
+// Copies one entry's bytes into a new file at `target`, replacing any file
+// there. Bytes past the end of the data file come out as zeros.
+FsError CopyEntryTo(const std::string& dataPath, const Entry& entry, const fs::path& target) {
+    File in;
+    if (FsError error = in.open(dataPath, File::Mode::Read); !error.empty()) {
+        return error;
+    }
+    File out;
+    if (FsError error = out.open(target, File::Mode::CreateTruncate); !error.empty()) {
+        return error;
+    }
+    if (FsError error = CopyRange(in, entry.byteOffset(), out, 0, entry.byteCount());
+        !error.empty()) {
+        return error;
+    }
+    return out.close();
+}
+
+} // namespace
+
+std::string UnsafeNameProblem(const std::string& rawName) {
+    const bool unsafe = rawName.empty() || rawName == "." || rawName == ".." ||
+                        rawName.find_first_of(std::string_view("/\\\0", 3)) != std::string::npos;
+    if (!unsafe) {
+        return {};
+    }
+    std::string shown;
+    for (char c : Cp1252ToUtf8(rawName)) {
+        shown += c == '\0' ? std::string("\\0") : std::string(1, c);
+    }
+    return "The entry \"" + shown +
+           "\" was not written: its name cannot be used as a file name, because it is empty, "
+           "\".\" or \"..\", or holds \"/\", \"\\\" or a NUL character.";
+}
+
+EntryCommands::EntryCommands(Editor& editor, EntryDialogs& dialogs)
+    : editor_(editor), dialogs_(dialogs) {
+    editor_.setRebuildCommand([this] { ComRebuild(); });
+}
+
+EntryCommands::~EntryCommands() {
+    editor_.setRebuildCommand({});
+}
+
+std::size_t EntryCommands::EditExtract() {
+    return ExtractSelected(ExtractMode::Ask);
+}
+
+std::size_t EntryCommands::EditQuick() {
+    return ExtractSelected(ExtractMode::Quick);
+}
+
+std::size_t EntryCommands::ExtractSelected(ExtractMode firstMode) {
+    EntryTable& table = editor_.table();
+    Desktop& desktop = editor_.desktop();
+    const std::size_t n = table.selectedCount();
+    if (n == 0) {
+        desktop.SetStatus(editor_.text("noneSel"));
+        return 0;
+    }
+    std::size_t k = 0;
+    std::size_t failed = 0;
+    std::size_t last = 0;
+    for (std::size_t row = 0; row < table.size(); ++row) {
+        if (!table[row].selected) {
+            continue;
+        }
+        ++k;
+        last = row;
+        desktop.SetStatus(editor_.text("extract1") + " " + std::to_string(k) + " " +
+                          editor_.text("adding2") + " " + std::to_string(n));
+        // The folder is asked for once; later rows follow it through lastExtract.
+        const ExtractMode mode = k == 1 ? firstMode : ExtractMode::Quick;
+        if (!ExtractEntry(row, mode)) {
+            ++failed;
+        }
+        table.setSelected(row, false);
+    }
+    table.setSelected(last, true);
+    return failed;
+}
+
+bool EntryCommands::ExtractEntry(std::size_t row, ExtractMode mode) {
+    EntryTable& table = editor_.table();
+    Desktop& desktop = editor_.desktop();
+    if (table.empty() || row >= table.size()) {
+        return false;
+    }
+    const Entry entry = table[row];
+    std::string folder;
+    if (mode == ExtractMode::Quick) {
+        folder = editor_.settings().ReadSetting("lastExtract");
+        if (folder == NoPath) {
+            desktop.ShowMessage(editor_.text("extract3") + "\r\n" + editor_.text("extract4"),
+                                editor_.text("menuc3"), MessageIcon::Information);
+            desktop.SetStatus(editor_.text("extract2"));
+            return false;
+        }
+    } else {
+        ChooseFolder();
+        if (Trimmed(pickedFolder_).empty()) {
+            desktop.SetStatus(editor_.text("extract2"));
+            return false;
+        }
+        folder = pickedFolder_;
+    }
+    if (const std::string problem = UnsafeNameProblem(entry.name); !problem.empty()) {
+        desktop.ShowMessage(problem, "Error", MessageIcon::Exclamation);
+        return false;
+    }
+    const fs::path target = fs::path(folder) / Cp1252ToUtf8(entry.name);
+    if (FsError error = CopyEntryTo(editor_.dataPath(), entry, target); !error.empty()) {
+        desktop.ShowMessage(editor_.text("ohCrap1") + " " + error + "\r\n" + target.string(),
+                            "Error", MessageIcon::Exclamation);
+        return false;
+    }
+    if (mode == ExtractMode::Ask) {
+        editor_.settings().WriteSetting(pickedFolder_, "lastExtract");
+    }
+    desktop.SetStatus(editor_.text("extract5"));
+    return true;
+}
+
+std::string EntryCommands::ChooseFolder() {
+    const auto chosen = editor_.desktop().ChooseFolderDialog(editor_.text("pickFolder"));
+    pickedFolder_ = chosen.value_or("");
+    // A folder path stops at its first NUL, as the system dialog hands it over.
+    if (const auto nul = pickedFolder_.find('\0'); nul != std::string::npos) {
+        pickedFolder_.resize(nul);
+    }
+    return pickedFolder_;
+}
+
+void EntryCommands::EnsureTempsFolder() {
+    std::error_code ec;
+    fs::create_directories(TempsFolder(), ec);
+}
+
+void EntryCommands::ViewSelectedEntries() {
+    EnsureTempsFolder();
+    EntryTable& table = editor_.table();
+    Desktop& desktop = editor_.desktop();
+    for (std::size_t row = 0; row < table.size(); ++row) {
+        const Entry& entry = table[row];
+        if (!entry.selected) {
+            continue;
+        }
+        if (const std::string problem = UnsafeNameProblem(entry.name); !problem.empty()) {
+            desktop.ShowMessage(problem, "Error", MessageIcon::Exclamation);
+            continue;
+        }
+        const fs::path copy = TempsFolder() / Cp1252ToUtf8(entry.name);
+        // Viewing stops quietly at the first copy that cannot be made.
+        if (!CopyEntryTo(editor_.dataPath(), entry, copy).empty()) {
+            return;
+        }
+        desktop.OpenWithShell(copy.string());
+    }
+}
+
+} // namespace korvel

@@ -1,0 +1,246 @@
+// Rebuilding: a compact copy of the archive in row order takes the old pair's
+// place. The new pair is written beside the archive and flushed; a journal
+// then says it is complete, the two renames follow, and the journal goes. An
+// interruption at any moment leaves the old archive or, once the journal
+// exists, one that the next open completes: never a mix, never neither.
+#include "archive/EntryCommands.h"
+
+#include "platform/FileCopy.h"
+
+#include <limits>
+#include <sstream>
+#include <system_error>
+
+namespace korvel {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr std::string_view JournalHeader = "korvel rebuild journal 1";
+
+struct JournalPair {
+    fs::path from;
+    fs::path to;
+};
+
+std::string JournalText(const RebuildFiles& files, const fs::path& data, const fs::path& dir) {
+    std::string text(JournalHeader);
+    for (const fs::path& line : {files.newData, data, files.newDir, dir}) {
+        text += '\n' + line.string();
+    }
+    return text + '\n';
+}
+
+// The renames a journal asks for, or nothing when it is not a whole journal.
+std::optional<std::vector<JournalPair>> ReadJournal(const fs::path& journal) {
+    FsError error;
+    const auto text = ReadSmallFile(journal, error);
+    if (!text) {
+        return std::nullopt;
+    }
+    std::istringstream lines(*text);
+    std::vector<std::string> parts;
+    for (std::string line; std::getline(lines, line);) {
+        parts.push_back(line);
+    }
+    if (parts.size() != 5 || parts[0] != JournalHeader) {
+        return std::nullopt;
+    }
+    return std::vector<JournalPair>{{parts[1], parts[2]}, {parts[3], parts[4]}};
+}
+
+void RemoveQuietly(const fs::path& path) {
+    std::error_code ec;
+    fs::remove(path, ec);
+}
+
+fs::path PartFor(const fs::path& journal) {
+    return fs::path(journal.string() + ".part");
+}
+
+FsError WriteSynced(const fs::path& path, std::string_view bytes) {
+    File out;
+    FsError error = out.open(path, File::Mode::CreateTruncate);
+    if (error.empty()) {
+        error = out.writeAt(0, bytes);
+    }
+    if (error.empty()) {
+        error = out.sync();
+    }
+    if (error.empty()) {
+        error = out.close();
+    }
+    return error;
+}
+
+FsError FinishRenames(const fs::path& journal) {
+    const auto pairs = ReadJournal(journal);
+    if (!pairs) {
+        return "the rebuild journal " + journal.string() + " cannot be read";
+    }
+    for (const JournalPair& pair : *pairs) {
+        // A rename already done before the interruption left no source.
+        if (FileExists(pair.from)) {
+            if (FsError error = RenameFile(pair.from, pair.to); !error.empty()) {
+                return error;
+            }
+        }
+    }
+    if (FsError error = SyncFolder(journal.parent_path()); !error.empty()) {
+        return error;
+    }
+    std::error_code ec;
+    fs::remove(journal, ec);
+    return ec ? ec.message() : FsError{};
+}
+
+} // namespace
+
+RebuildFiles RebuildFilesFor(const fs::path& dataPath, const fs::path& dirPath) {
+    return {fs::path(dataPath.string() + ".korvel-new"), fs::path(dirPath.string() + ".korvel-new"),
+            fs::path(dataPath.string() + ".korvel-journal")};
+}
+
+void RecoverInterruptedRebuild(const fs::path& dataPath) {
+    const RebuildFiles files = RebuildFilesFor(dataPath, DirectoryPathFor(dataPath));
+    RemoveQuietly(PartFor(files.journal));
+    if (FileExists(files.journal) && ReadJournal(files.journal)) {
+        // Complete: finish it. Should that fail, the journal stays for next time.
+        (void)FinishRenames(files.journal);
+        return;
+    }
+    // No whole journal: the new pair was never complete.
+    RemoveQuietly(files.journal);
+    RemoveQuietly(files.newData);
+    RemoveQuietly(files.newDir);
+}
+
+void EntryCommands::ComRebuild() {
+    const std::string question = editor_.text("rebuild1") + "\r\n" + editor_.text("rebuild2");
+    if (editor_.desktop().AskYesNo(question, editor_.text("menuc9") + "?")) {
+        Rebuild();
+    }
+}
+
+bool EntryCommands::Rebuild() {
+    if (!editor_.isOpen()) {
+        return false;
+    }
+    Desktop& desktop = editor_.desktop();
+    const EntryTable& table = editor_.table();
+    const fs::path dataPath = editor_.dataPath();
+    const fs::path dirPath = editor_.dirPath();
+    const RebuildFiles files = RebuildFilesFor(dataPath, dirPath);
+    const auto fail = [&](const FsError& error) {
+        RemoveQuietly(files.newData);
+        RemoveQuietly(files.newDir);
+        RemoveQuietly(PartFor(files.journal));
+        desktop.ShowMessage(editor_.text("ohCrap1") + " " + error, "Error",
+                            MessageIcon::Exclamation);
+        return false;
+    };
+
+    // 1. The new data file: every row's sectors, back to back, in row order.
+    std::vector<DirRecord> records;
+    records.reserve(table.size());
+    {
+        File in;
+        File out;
+        FsError error = in.open(dataPath, File::Mode::Read);
+        if (error.empty()) {
+            error = out.open(files.newData, File::Mode::CreateTruncate);
+        }
+        if (!error.empty()) {
+            return fail(error);
+        }
+        const std::string of = " " + editor_.text("adding2") + " " + std::to_string(table.size());
+        std::uint64_t running = 0; // in sectors
+        for (std::size_t i = 0; i < table.size(); ++i) {
+            desktop.SetStatus(editor_.text("rebuild3") + " " + std::to_string(i + 1) + of);
+            const Entry& entry = table[i];
+            if (running > std::numeric_limits<std::uint32_t>::max()) {
+                return fail("the rebuilt archive would be larger than an archive can address");
+            }
+            if (entry.sizeSectors != 0) {
+                error =
+                    CopyRange(in, entry.byteOffset(), out, running * SectorSize, entry.byteCount());
+                if (!error.empty()) {
+                    return fail(error);
+                }
+            }
+            records.push_back({static_cast<std::uint32_t>(running), entry.sizeSectors, entry.name});
+            running += entry.sizeSectors;
+        }
+        if (error = Step("rebuild-data-written"); error.empty()) {
+            error = out.sync();
+        }
+        if (error.empty()) {
+            error = out.close();
+        }
+        if (!error.empty()) {
+            return fail(error);
+        }
+    }
+
+    // 2. The new directory file.
+    desktop.SetStatus(editor_.text("rebuild4"));
+    FsError error = WriteSynced(files.newDir, EncodeDirectory(records));
+    if (error.empty()) {
+        error = Step("rebuild-dir-written");
+    }
+    if (error.empty()) {
+        error = SyncFolder(dataPath.parent_path());
+    }
+    // 3. The journal, written whole under another name and renamed, so it
+    // exists only once it says everything.
+    const fs::path part = PartFor(files.journal);
+    if (error.empty()) {
+        error = WriteSynced(part, JournalText(files, dataPath, dirPath));
+    }
+    if (error.empty()) {
+        error = Step("rebuild-journal-part");
+    }
+    if (error.empty()) {
+        error = RenameFile(part, files.journal);
+    }
+    if (error.empty()) {
+        error = SyncFolder(dataPath.parent_path());
+    }
+    if (!error.empty()) {
+        RemoveQuietly(files.journal);
+        return fail(error);
+    }
+
+    // 4. The renames. From here on the journal finishes what we don't.
+    error = Step("rebuild-journal-written");
+    if (error.empty()) {
+        error = RenameFile(files.newData, dataPath);
+    }
+    if (error.empty()) {
+        error = Step("rebuild-data-renamed");
+    }
+    if (error.empty()) {
+        error = RenameFile(files.newDir, dirPath);
+    }
+    if (error.empty()) {
+        error = Step("rebuild-dir-renamed");
+    }
+    if (error.empty()) {
+        error = FinishRenames(files.journal);
+    }
+    if (!error.empty()) {
+        desktop.ShowMessage(editor_.text("ohCrap1") + " " + error, "Error",
+                            MessageIcon::Exclamation);
+    }
+
+    // Opening completes a journalled rebuild that stopped above.
+    const bool open = editor_.OpenArchive(dataPath.string());
+    editor_.FindHighestOffset();
+    if (!error.empty() || !open) {
+        return false;
+    }
+    editor_.settings().WriteSetting("peachy", "archiveState");
+    desktop.SetStatus(editor_.text("rebuild5"));
+    return true;
+}
+
+} // namespace korvel

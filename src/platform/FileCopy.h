@@ -1,0 +1,69 @@
+// Streaming copies between files for the entry commands. Entry sizes come from
+// directory records nobody checked, so nothing here ever allocates a buffer
+// sized by an entry: data moves through copy_file_range where the kernel has
+// it, else through a fixed buffer, and missing bytes become zeros by extending
+// the file (sparse) or from a small fixed zero block.
+#pragma once
+
+#include "platform/FileSystem.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <string_view>
+
+namespace korvel {
+
+// An open file descriptor that closes itself.
+class File {
+public:
+    enum class Mode { Read, ReadWrite, CreateTruncate };
+
+    File() = default;
+    ~File();
+    File(File&& other) noexcept;
+    File& operator=(File&& other) noexcept;
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+
+    // Empty on success, else the system's description of the error.
+    FsError open(const std::filesystem::path& path, Mode mode);
+    FsError close();
+    bool isOpen() const { return fd_ >= 0; }
+    int fd() const { return fd_; }
+
+    FsError length(std::uint64_t& out) const;
+    FsError truncate(std::uint64_t length);
+    // Flushes data and metadata to the disk.
+    FsError sync();
+    FsError writeAt(std::uint64_t offset, std::string_view bytes);
+
+private:
+    int fd_ = -1;
+};
+
+// Copies `count` bytes from `in` at `inOffset` to `out` at `outOffset`. Bytes
+// that lie past the end of `in` are written as zeros, so the result always
+// holds exactly `count` bytes at the destination.
+FsError CopyRange(const File& in, std::uint64_t inOffset, File& out, std::uint64_t outOffset,
+                  std::uint64_t count);
+
+// Writes `count` zero bytes at `offset`, through a small fixed block.
+FsError WriteZeros(File& out, std::uint64_t offset, std::uint64_t count);
+
+// Flushes a folder's entry list, so renames in it survive a power cut.
+FsError SyncFolder(const std::filesystem::path& folder);
+
+// Renames `from` onto `to`, replacing it.
+FsError RenameFile(const std::filesystem::path& from, const std::filesystem::path& to);
+
+// Named points inside multi-step file operations (a rebuild's renames, a
+// copy). Tests install a hook to make a chosen step fail; setting the
+// environment variable KORVEL_TEST_KILL_AT to a step's name makes the process
+// kill itself there, which is how the crash tests stop a real korvel-cli at an
+// exact moment. Without either, a step costs one getenv.
+using StepHook = std::function<FsError(std::string_view step)>;
+void SetStepHook(StepHook hook);
+FsError Step(std::string_view step);
+
+} // namespace korvel

@@ -1,0 +1,114 @@
+#include "EntryFixture.h"
+
+namespace korvel::test {
+namespace {
+
+using DeleteMove = EntryFixture;
+
+std::vector<DirRecord> Five() {
+    return {{0, 1, "r1"}, {1, 1, "r2"}, {2, 1, "r3"}, {3, 1, "r4"}, {4, 1, "r5"}};
+}
+
+TEST_F(DeleteMove, DeletingRemovesRecordsButKeepsTheData) {
+    open(Five(), 5 * SectorSize);
+    const std::string img0 = imgBytes();
+    settings.WriteSetting("False", "deleteProm");
+    select({1, 2});
+    commands.ComDel();
+
+    EXPECT_EQ(names(), (std::vector<std::string>{"r1", "r4", "r5"}));
+    EXPECT_EQ(records(), tableRecords());
+    EXPECT_EQ(imgBytes(), img0);
+    EXPECT_EQ(settings.ReadSetting("archiveState"), "shit");
+    EXPECT_EQ(desktop.said("status"),
+              (std::vector<std::string>{"status: Deleted 1", "status: Deleted 2",
+                                        "status: " + text("del4")}));
+    EXPECT_EQ(desktop.stats, text("stats1") + " 3");
+    EXPECT_TRUE(desktop.said("progress shown").empty());
+}
+
+TEST_F(DeleteMove, TheProgressBarShowsFromElevenRows) {
+    for (std::size_t count : {10u, 11u}) {
+        std::vector<DirRecord> rows;
+        for (std::uint32_t i = 0; i < count; ++i) {
+            rows.push_back({i, 1, "e" + std::to_string(i)});
+        }
+        open(rows, count * SectorSize);
+        settings.WriteSetting("False", "deleteProm");
+        editor.table().selectAll();
+        commands.ComDel();
+        const auto shown = desktop.said("progress shown");
+        EXPECT_EQ(shown.size(), count > 10 ? 1u : 0u) << count;
+        if (count > 10) {
+            EXPECT_EQ(shown.front(), "progress shown: 11");
+        }
+        EXPECT_EQ(dirBytes(), "");
+        // With every row gone the next file goes to offset 0.
+        std::string name = "n.dff";
+        commands.AddFile(input("n.dff", "n"), name);
+        EXPECT_EQ(editor.table()[0].startSector, 0u);
+    }
+}
+
+TEST_F(DeleteMove, TheConfirmationDecides) {
+    open(Five(), 5 * SectorSize);
+    const std::string dir0 = dirBytes();
+    select({0, 4});
+    desktop.answer({"no"});
+    commands.ComDel();
+    EXPECT_EQ(desktop.said("ask"),
+              (std::vector<std::string>{"ask " + text("del3") + ": " + text("del1") + " 2 " +
+                                        text("del2") + " -> no"}));
+    EXPECT_EQ(dirBytes(), dir0);
+    EXPECT_EQ(settings.ReadSetting("archiveState"), "peachy");
+    desktop.answer({"yes"});
+    commands.ComDel();
+    EXPECT_EQ(names(), (std::vector<std::string>{"r2", "r3", "r4"}));
+
+    // Nothing selected: not even a question.
+    desktop.conversation.clear();
+    editor.table().clearSelection();
+    commands.ComDel();
+    EXPECT_TRUE(desktop.conversation.empty());
+}
+
+TEST_F(DeleteMove, MovingKeepsPlacementAndChangesOnlyTheOrder) {
+    open(Five(), 5 * SectorSize);
+    const std::string img0 = imgBytes();
+    select({1, 3});
+    commands.ComMove();
+
+    EXPECT_EQ(names(), (std::vector<std::string>{"r1", "r3", "r5", "r2", "r4"}));
+    EXPECT_EQ(tableRecords(),
+              (std::vector<DirRecord>{
+                  {0, 1, "r1"}, {2, 1, "r3"}, {4, 1, "r5"}, {1, 1, "r2"}, {3, 1, "r4"}}));
+    EXPECT_EQ(records(), tableRecords());
+    EXPECT_EQ(imgBytes(), img0);
+    EXPECT_EQ(selected(), (std::vector<std::size_t>{3}));
+    EXPECT_EQ(desktop.status, "2 " + text("move3"));
+    EXPECT_EQ(settings.ReadSetting("archiveState"), "shit");
+
+    // The last row together with others moves too, behind them.
+    select({0, 4});
+    commands.ComMove();
+    EXPECT_EQ(names(), (std::vector<std::string>{"r3", "r5", "r2", "r1", "r4"}));
+}
+
+TEST_F(DeleteMove, MovingOnlyTheLastRowOrNothing) {
+    open(Five(), 5 * SectorSize);
+    const std::string dir0 = dirBytes();
+    select({4});
+    commands.ComMove();
+    EXPECT_EQ(desktop.said("message"),
+              (std::vector<std::string>{"message(Information) " + text("move2") + ": " +
+                                        text("move1") + "\r\nDe dum de de, de diddle dum."}));
+    EXPECT_EQ(dirBytes(), dir0);
+    EXPECT_EQ(settings.ReadSetting("archiveState"), "peachy");
+
+    editor.table().clearSelection();
+    commands.ComMove();
+    EXPECT_EQ(desktop.status, text("noneSel"));
+}
+
+} // namespace
+} // namespace korvel::test

@@ -1,0 +1,145 @@
+#include "EntryFixture.h"
+
+#include "platform/Folders.h"
+
+#include <algorithm>
+#include <fstream>
+
+namespace korvel::test {
+namespace {
+
+namespace fs = std::filesystem;
+using Extract = EntryFixture;
+
+TEST_F(Extract, EditExtractAsksOnceAndWritesEachEntryFromItsOwnOffset) {
+    open({{0, 1, "b.dff"}, {1, 2, "a.txd"}, {3, 1, "c.ifp"}}, 4 * SectorSize);
+    editor.table().setOrder(EntryTable::Order::Name); // a.txd, b.dff, c.ifp
+    select({0, 1, 2});
+    fs::create_directories(folder / "out");
+    desktop.answer({(folder / "out").string()});
+
+    EXPECT_EQ(commands.EditExtract(), 0u);
+
+    const std::string data = imgBytes();
+    EXPECT_EQ(ReadBytes(folder / "out" / "a.txd"), data.substr(SectorSize, 2 * SectorSize));
+    EXPECT_EQ(ReadBytes(folder / "out" / "b.dff"), data.substr(0, SectorSize));
+    EXPECT_EQ(ReadBytes(folder / "out" / "c.ifp"), data.substr(3 * SectorSize, SectorSize));
+    EXPECT_EQ(desktop.said("folder").size(), 1u);
+    EXPECT_EQ(settings.ReadSetting("lastExtract"), (folder / "out").string());
+    EXPECT_EQ(selected(), (std::vector<std::size_t>{2}));
+    const auto statuses = desktop.said("status");
+    ASSERT_EQ(statuses.size(), 6u);
+    EXPECT_EQ(statuses[0], "status: " + text("extract1") + " 1 " + text("adding2") + " 3");
+    EXPECT_EQ(statuses[5], "status: " + text("extract5"));
+    EXPECT_EQ(ReadBytes(folder / "a.img"), data); // extraction never changes the archive
+}
+
+TEST_F(Extract, PastTheEndOfTheDataReadsAsZerosAndReplacesALongerFile) {
+    // The entry claims 4 sectors from sector 3; the data file ends 100 bytes in.
+    open({{3, 4, "tail.dff"}}, 3 * SectorSize + 100);
+    fs::create_directories(folder / "out");
+    WriteBytes(folder / "out" / "tail.dff", std::string(5 * SectorSize, 'x'));
+    settings.WriteSetting((folder / "out").string(), "lastExtract");
+    select({0});
+
+    EXPECT_EQ(commands.EditQuick(), 0u);
+
+    const std::string got = ReadBytes(folder / "out" / "tail.dff");
+    ASSERT_EQ(got.size(), 4 * SectorSize);
+    EXPECT_EQ(got.substr(0, 100), imgBytes().substr(3 * SectorSize, 100));
+    EXPECT_EQ(got.substr(100), std::string(4 * SectorSize - 100, '\0'));
+}
+
+TEST_F(Extract, ARecordClaimingAGigabytePastTheEndIsStreamed) {
+    // A hostile record: 1 GiB from sector 1 of a two-sector data file. The
+    // result is the full size, but nothing may hold it in memory.
+    const std::uint32_t sectors = (1u << 30) / SectorSize;
+    open({{1, sectors, "big.col"}}, 2 * SectorSize);
+    fs::create_directories(folder / "out");
+    settings.WriteSetting((folder / "out").string(), "lastExtract");
+    select({0});
+
+    EXPECT_EQ(commands.EditQuick(), 0u);
+
+    EXPECT_EQ(FileLength(folder / "out" / "big.col"), std::uint64_t{1} << 30);
+    std::string head(SectorSize + 16, '\0');
+    std::ifstream in(folder / "out" / "big.col", std::ios::binary);
+    in.read(head.data(), static_cast<std::streamsize>(head.size()));
+    EXPECT_EQ(head.substr(0, SectorSize), imgBytes().substr(SectorSize));
+    EXPECT_EQ(head.substr(SectorSize), std::string(16, '\0'));
+}
+
+TEST_F(Extract, QuickWithoutAFolderAndACancelledDialog) {
+    open({{0, 1, "a.dff"}, {1, 1, "b.dff"}}, 2 * SectorSize);
+    select({0, 1});
+    // No folder remembered: one message per row, no files, extract2.
+    EXPECT_EQ(commands.EditQuick(), 2u);
+    const std::string message = "message(Information) " + text("menuc3") + ": " + text("extract3") +
+                                "\r\n" + text("extract4");
+    EXPECT_EQ(desktop.said("message"), (std::vector<std::string>{message, message}));
+    EXPECT_EQ(desktop.status, text("extract2"));
+
+    // Cancelling the dialog skips the first row; the second goes to lastExtract.
+    fs::create_directories(folder / "last");
+    settings.WriteSetting((folder / "last").string(), "lastExtract");
+    select({0, 1});
+    desktop.answer({Cancel});
+    EXPECT_EQ(commands.EditExtract(), 1u);
+    EXPECT_FALSE(fs::exists(folder / "last" / "a.dff"));
+    EXPECT_TRUE(fs::exists(folder / "last" / "b.dff"));
+    EXPECT_EQ(settings.ReadSetting("lastExtract"), (folder / "last").string());
+    EXPECT_EQ(commands.pickedFolder(), "");
+}
+
+TEST_F(Extract, NamesThatWouldLeaveTheFolderAreRefusedAndTheRestWritten) {
+    open({{0, 1, ""},
+          {0, 1, "."},
+          {0, 1, ".."},
+          {0, 1, "x/evil"},
+          {0, 1, "..\\evil"},
+          {1, 1, "ok.dff"}},
+         2 * SectorSize);
+    fs::create_directories(folder / "out" / "x");
+    settings.WriteSetting((folder / "out").string(), "lastExtract");
+    editor.table().selectAll();
+
+    EXPECT_EQ(commands.EditQuick(), 5u);
+    const auto messages = desktop.said("message(Exclamation)");
+    ASSERT_EQ(messages.size(), 5u);
+    EXPECT_NE(messages[3].find("\"x/evil\""), std::string::npos) << messages[3];
+    EXPECT_NE(messages[4].find("\"..\\evil\""), std::string::npos) << messages[4];
+    EXPECT_FALSE(fs::exists(folder / "out" / "x" / "evil"));
+    EXPECT_FALSE(fs::exists(folder / "evil"));
+    EXPECT_FALSE(fs::exists(folder / "out" / "..\\evil"));
+    std::vector<std::string> written;
+    for (const auto& item : fs::directory_iterator(folder / "out")) {
+        written.push_back(item.path().filename().string());
+    }
+    std::sort(written.begin(), written.end());
+    EXPECT_EQ(written, (std::vector<std::string>{"ok.dff", "x"}));
+
+    // Viewing refuses them too, and still opens the safe one.
+    desktop.conversation.clear();
+    editor.table().selectAll();
+    commands.ViewSelectedEntries();
+    EXPECT_EQ(desktop.said("message(Exclamation)").size(), 5u);
+    EXPECT_EQ(desktop.shellOpened, (std::vector<std::string>{(TempsFolder() / "ok.dff").string()}));
+}
+
+TEST_F(Extract, ViewCopiesEachSelectedEntryIntoTempsAndOpensIt) {
+    open({{0, 1, "a.dff"}, {1, 1, "b.txd"}, {2, 1, "c.col"}}, 3 * SectorSize);
+    ASSERT_FALSE(fs::exists(folder / "temps"));
+    WriteBytes(folder / "out-of-date", "");
+    select({0, 2});
+    commands.ViewSelectedEntries();
+
+    EXPECT_EQ(desktop.shellOpened,
+              (std::vector<std::string>{(folder / "temps" / "a.dff").string(),
+                                        (folder / "temps" / "c.col").string()}));
+    EXPECT_EQ(ReadBytes(folder / "temps" / "c.col"), imgBytes().substr(2 * SectorSize));
+    EXPECT_EQ(selected(), (std::vector<std::size_t>{0, 2}));
+    EXPECT_TRUE(desktop.said("status").empty());
+}
+
+} // namespace
+} // namespace korvel::test

@@ -1,0 +1,157 @@
+#include "EntryFixture.h"
+
+#include <fstream>
+
+namespace korvel::test {
+namespace {
+
+namespace fs = std::filesystem;
+using Rebuild = EntryFixture;
+
+// Files beside the archive other than the pair itself (leftovers).
+std::vector<std::string> Leftovers(const fs::path& folder) {
+    std::vector<std::string> out;
+    for (const auto& item : fs::directory_iterator(folder)) {
+        const std::string name = item.path().filename().string();
+        if (name.find(".korvel") != std::string::npos) {
+            out.push_back(name);
+        }
+    }
+    return out;
+}
+
+TEST_F(Rebuild, CopiesEntriesInRowOrderIntoACompactPair) {
+    const std::string name24 = "abcdefghijklmnopqrstu.dff";
+    // Overlapping records, a zero-size row, a row past the end of the data,
+    // a 24-character name, and unused sectors between them.
+    open({{4, 2, "zz.dff"},
+          {5, 1, "overlap.txd"},
+          {0, 0, "empty.col"},
+          {7, 3, "tail.ifp"},
+          {1, 1, name24.substr(0, 24)}},
+         8 * SectorSize);
+    editor.table().setOrder(EntryTable::Order::Name);
+    const std::string old = imgBytes();
+    settings.WriteSetting("shit", "archiveState");
+
+    ASSERT_TRUE(commands.Rebuild());
+
+    const std::string zero(2 * SectorSize, '\0');
+    // Name order: abc..., empty.col, overlap.txd, tail.ifp, zz.dff.
+    const std::string expected =
+        old.substr(SectorSize, SectorSize) + old.substr(5 * SectorSize, SectorSize) +
+        old.substr(7 * SectorSize) + zero + old.substr(4 * SectorSize, 2 * SectorSize);
+    EXPECT_EQ(imgBytes(), expected);
+    EXPECT_EQ(records(), (std::vector<DirRecord>{{0, 1, name24.substr(0, 24)},
+                                                 {1, 0, "empty.col"},
+                                                 {1, 1, "overlap.txd"},
+                                                 {2, 3, "tail.ifp"},
+                                                 {5, 2, "zz.dff"}}));
+    EXPECT_EQ(dirBytes().substr(8, 24), name24.substr(0, 24)); // no zero byte
+    EXPECT_EQ(tableRecords(), records());
+    EXPECT_EQ(settings.ReadSetting("archiveState"), "peachy");
+    EXPECT_EQ(desktop.status, text("rebuild5"));
+    const auto statuses = desktop.said("status");
+    EXPECT_EQ(statuses.front(), "status: " + text("rebuild3") + " 1 " + text("adding2") + " 5");
+    EXPECT_TRUE(Leftovers(folder.path()).empty());
+}
+
+TEST_F(Rebuild, TheConfirmationAndTheOfferOnClosing) {
+    open({{3, 1, "a.dff"}}, 4 * SectorSize);
+    const std::string img0 = imgBytes(), dir0 = dirBytes();
+    settings.WriteSetting("shit", "archiveState");
+    desktop.answer({"no"});
+    commands.ComRebuild();
+    EXPECT_EQ(desktop.said("ask"),
+              (std::vector<std::string>{"ask " + text("menuc9") + "?: " + text("rebuild1") +
+                                        "\r\n" + text("rebuild2") + " -> no"}));
+    EXPECT_EQ(imgBytes(), img0);
+    EXPECT_EQ(dirBytes(), dir0);
+    EXPECT_EQ(settings.ReadSetting("archiveState"), "shit");
+
+    // Closing with the option on runs the same command; afterwards closing
+    // offers nothing until the archive changes again.
+    editor.menu().setChecked("OptRebuildPrompt", true);
+    desktop.answer({"yes"});
+    editor.FileClose();
+    EXPECT_EQ(ReadBytes(folder / "a.img"), img0.substr(3 * SectorSize));
+    EXPECT_EQ(settings.ReadSetting("archiveState"), "peachy");
+    ASSERT_TRUE(editor.OpenArchive(img()));
+    desktop.conversation.clear();
+    editor.FileClose();
+    EXPECT_TRUE(desktop.said("ask").empty());
+}
+
+TEST_F(Rebuild, AnEntryClaimingAGigabytePastTheEndIsStreamed) {
+    const std::uint32_t sectors = (1u << 30) / SectorSize;
+    open({{1, sectors, "big.col"}}, 2 * SectorSize);
+    const std::string second = imgBytes().substr(SectorSize);
+    ASSERT_TRUE(commands.Rebuild());
+    EXPECT_EQ(FileLength(img()), std::uint64_t{1} << 30);
+    std::string head(SectorSize + 8, '\0');
+    std::ifstream in(img(), std::ios::binary);
+    in.read(head.data(), static_cast<std::streamsize>(head.size()));
+    EXPECT_EQ(head, second + std::string(8, '\0'));
+}
+
+TEST_F(Rebuild, AFailureAtAnyStepLeavesTheOldArchiveOrTheNewOne) {
+    struct Case {
+        const char* step;
+        bool newArchive; // what the next open finds
+    };
+    const Case cases[] = {
+        {"copy", false},
+        {"rebuild-data-written", false},
+        {"rebuild-dir-written", false},
+        {"rebuild-journal-part", false},
+        {"rebuild-journal-written", true},
+        {"rebuild-data-renamed", true},
+        {"rebuild-dir-renamed", true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.step);
+        open({{2, 1, "b.dff"}, {0, 1, "a.dff"}}, 4 * SectorSize);
+        const std::string img0 = imgBytes(), dir0 = dirBytes();
+        const std::string newImg =
+            img0.substr(2 * SectorSize, SectorSize) + img0.substr(0, SectorSize);
+        const std::string newDir = EncodeDirectory({{0, 1, "b.dff"}, {1, 1, "a.dff"}});
+        const std::string step = c.step;
+        SetStepHook(
+            [step](std::string_view at) { return at == step ? FsError("injected") : FsError(); });
+
+        EXPECT_FALSE(commands.Rebuild());
+        SetStepHook({});
+        EXPECT_EQ(desktop.said("message(Exclamation)").size(), 1u);
+
+        // A fresh editor opening the archive finds one whole pair.
+        ScriptedDesktop otherDesktop;
+        Editor other(otherDesktop, settings, folder.path());
+        ASSERT_TRUE(other.OpenArchive(img()));
+        EXPECT_EQ(imgBytes(), c.newArchive ? newImg : img0);
+        EXPECT_EQ(dirBytes(), c.newArchive ? newDir : dir0);
+        EXPECT_TRUE(Leftovers(folder.path()).empty());
+    }
+}
+
+TEST_F(Rebuild, OpeningFinishesAJournalledRebuildAndClearsAnUnjournalledOne) {
+    WriteArchive(folder / "a.img", {{0, 1, "old.dff"}}, SectorSize);
+    const RebuildFiles files = RebuildFilesFor(folder / "a.img", folder / "a.dir");
+    WriteBytes(files.newData, "");
+    WriteBytes(files.newDir, "");
+    ASSERT_TRUE(editor.OpenArchive(img())); // no journal: the leftovers go
+    EXPECT_EQ(names(), (std::vector<std::string>{"old.dff"}));
+    EXPECT_TRUE(Leftovers(folder.path()).empty());
+
+    // Journal written and the data file already renamed: the directory follows.
+    WriteBytes(folder / "a.img", "new data");
+    WriteBytes(files.newDir, EncodeDirectory({{0, 1, "new.dff"}}));
+    WriteBytes(files.journal, "korvel rebuild journal 1\n" + files.newData.string() + "\n" + img() +
+                                  "\n" + files.newDir.string() + "\n" +
+                                  (folder / "a.dir").string() + "\n");
+    ASSERT_TRUE(editor.OpenArchive(img()));
+    EXPECT_EQ(names(), (std::vector<std::string>{"new.dff"}));
+    EXPECT_TRUE(Leftovers(folder.path()).empty());
+}
+
+} // namespace
+} // namespace korvel::test

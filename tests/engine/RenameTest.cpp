@@ -1,0 +1,76 @@
+#include "EntryFixture.h"
+
+namespace korvel::test {
+namespace {
+
+using Rename = EntryFixture;
+
+TEST_F(Rename, TheDialogRefusesBlankNamesAndStoresWhatWasTyped) {
+    open({{0, 1, "car.dff"}, {1, 1, "bus.dff"}, {2, 1, "van.dff"}}, 3 * SectorSize);
+    select({0, 1, 2});
+    dialogs.renameAnswers = {"   ", " car.txd"};
+    commands.ComRename();
+
+    // The dialog shows the last selected row; only that row changes.
+    EXPECT_EQ(dialogs.shown,
+              (std::vector<std::string>{"rename 3 (modeless) [van.dff] ->     kept open",
+                                        "rename 3 (modeless) [van.dff] ->  car.txd ok"}));
+    EXPECT_EQ(desktop.said("message"),
+              (std::vector<std::string>{"message(Information) : No name entered"}));
+    EXPECT_EQ(names(), (std::vector<std::string>{"car.dff", "bus.dff", " car.txd"}));
+    EXPECT_EQ(editor.table()[2].type(), EntryType::Texture);
+    EXPECT_EQ(records(), tableRecords());
+    EXPECT_EQ(desktop.status, text("sd1"));
+
+    // A rude name still stands; only the status answers back, and only in small letters.
+    EXPECT_TRUE(commands.DoRename(0, "shitcar.dff"));
+    EXPECT_EQ(desktop.status, "You kiss your mother with that mouth?");
+    EXPECT_TRUE(commands.DoRename(0, "SHITCAR.dff"));
+    EXPECT_EQ(desktop.status, text("sd1"));
+    // A name Windows-1252 cannot hold is refused and the dialog stays open.
+    EXPECT_FALSE(commands.DoRename(1, "\xe6\x97\xa5.dff"));
+    EXPECT_EQ(editor.table()[1].name, "bus.dff");
+    // Accented letters are stored as their Windows-1252 bytes.
+    EXPECT_TRUE(commands.DoRename(1, "b\xc3\xa9.dff"));
+    EXPECT_EQ(records()[1].name, "b\xe9.dff");
+}
+
+TEST_F(Rename, NameCaseCommands) {
+    struct Case {
+        void (EntryCommands::*command)();
+        std::vector<std::string> names;
+        const char* status;
+    };
+    const Case cases[] = {
+        {&EntryCommands::EditLowCaseName, {"bus.DFF", "NOTES", "A.B", "KEEP.TXD"}, "1 lcase1"},
+        {&EntryCommands::EditLowCase, {"BUS.dff", "NOTES", "A.B", "KEEP.TXD"}, "1 lcase2"},
+        {&EntryCommands::ConvLFName, {"bus.dff", "notes", "a.b", "KEEP.TXD"}, "3 lcase1"},
+    };
+    for (const Case& c : cases) {
+        open({{0, 1, "BUS.DFF"}, {1, 1, "NOTES"}, {2, 1, "A.B"}, {3, 1, "KEEP.TXD"}},
+             4 * SectorSize);
+        select({0, 1, 2});
+        (commands.*c.command)();
+        EXPECT_EQ(names(), c.names);
+        EXPECT_EQ(records(), tableRecords());
+        const std::string status = c.status;
+        const auto space = status.find(' ');
+        EXPECT_EQ(desktop.status,
+                  status.substr(0, space + 1) + text(status.substr(space + 1).c_str()));
+    }
+}
+
+TEST_F(Rename, RenamingTheOldEntryOfADuplicateWhileSortedByName) {
+    open({{0, 1, "b.dff"}, {1, 1, "a.dff"}}, 2 * SectorSize);
+    editor.table().setOrder(EntryTable::Order::Name);
+    settings.WriteSetting("renameOld", "addingOpt");
+    settings.WriteSetting("1", "scanPrompt");
+    dialogs.renameAnswers = {"z.dff"};
+    EXPECT_EQ(commands.AddFileBatch({input("a.dff", "new")}), 0u);
+    EXPECT_EQ(dialogs.shown, (std::vector<std::string>{"rename 1 (modal) [a.dff] -> z.dff ok"}));
+    EXPECT_EQ(names(), (std::vector<std::string>{"a.dff", "b.dff", "z.dff"}));
+    EXPECT_EQ(records(), tableRecords());
+}
+
+} // namespace
+} // namespace korvel::test
