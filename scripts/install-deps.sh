@@ -7,7 +7,7 @@ packages=(
   g++ cmake ninja-build pkg-config
   qt6-base-dev libgl-dev libegl-dev libvulkan-dev
   libgtest-dev
-  xvfb xauth xdotool fonts-dejavu-core
+  xvfb xauth xdotool x11-apps fonts-dejavu-core
 )
 
 missing=()

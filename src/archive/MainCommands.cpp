@@ -1,0 +1,289 @@
+#include "archive/MainCommands.h"
+
+#include "archive/MenuTree.h"
+#include "archive/Names.h"
+#include "platform/Folders.h"
+#include "settings/Language.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <system_error>
+
+namespace korvel {
+namespace fs = std::filesystem;
+namespace {
+
+std::string LastFourLower(std::string_view name) {
+    return ToLowerCp1252(name.size() > 4 ? name.substr(name.size() - 4) : name);
+}
+
+struct TypeSelection {
+    std::string_view item;
+    std::string_view ending; // empty: everything that is none of the four types
+    std::string_view textKey;
+};
+
+constexpr std::array<TypeSelection, 5> TypeSelections = {{
+    {"SelectModels", ".dff", "select7"},
+    {"SelectTextures", ".txd", "select8"},
+    {"SelectAni", ".ifp", "select10"},
+    {"SelectCols", ".col", "select9"},
+    {"SelectAllOther", "", "select6"},
+}};
+
+bool IsOtherName(const std::string& name) {
+    const std::string ending = LastFourLower(name);
+    for (const TypeSelection& type : TypeSelections) {
+        if (!type.ending.empty() && ending == type.ending) {
+            return false;
+        }
+    }
+    return name != MarkerName;
+}
+
+// The temps folder holds copies of entries for viewing; it must exist before
+// the first view.
+void EnsureTempsFolder() {
+    std::error_code ignored;
+    fs::create_directories(TempsFolder(), ignored);
+}
+
+} // namespace
+
+std::string CommandLineFromArguments(const std::vector<std::string>& arguments) {
+    std::string line;
+    for (const std::string& argument : arguments) {
+        if (!line.empty()) {
+            line += ' ';
+        }
+        line += argument;
+    }
+    std::erase(line, '"');
+    return line;
+}
+
+std::optional<int> ColourComponent(std::string_view value) {
+    if (value.empty() ||
+        !std::all_of(value.begin(), value.end(), [](char c) { return c >= '0' && c <= '9'; })) {
+        return std::nullopt;
+    }
+    int number = 0;
+    for (char c : value) {
+        number = std::min(255, number * 10 + (c - '0'));
+    }
+    return number;
+}
+
+MainCommands::MainCommands(Editor& editor, ListAppearance& list) : editor_(editor), list_(list) {
+    SeedMenuState(editor_.menu());
+}
+
+void MainCommands::Startup(const std::string& commandLine) {
+    std::string line = commandLine;
+    std::erase(line, '"');
+    EnsureTempsFolder();
+    // The marker file is written here once the marker command exists.
+    editor_.settings().EnsureSettingsFile();
+    AddListColumnHeaders();
+    editor_.LoadRecentMenu();
+    editor_.ResetToClosed();
+    editor_.AddPlaceholderRow();
+    if (line.size() >= 4 && ToLowerCp1252(line.substr(line.size() - 4)) == ".img") {
+        editor_.OpenArchive(line);
+    } else if (editor_.settings().ReadSetting("autoLoad") == "True") {
+        editor_.menu().setChecked("OptAuto", true);
+        editor_.OpenRecent(1);
+    }
+    ApplyStartupSettings();
+    RelabelMainMenus(editor_.menu(), editor_.settings());
+    BuildLanguageMenu(editor_.menu(), editor_.settings());
+    if (editor_.table().size() == 1) {
+        editor_.table().setSelected(0, false);
+    }
+    editor_.desktop().SetStatus(std::string(StartupStatus));
+}
+
+void MainCommands::ApplyStartupSettings() {
+    Settings& settings = editor_.settings();
+    MenuState& menu = editor_.menu();
+    if (settings.ReadSetting("showGrid") == "True") {
+        menu.setChecked("OptGrid", true);
+        list_.SetGridLines(true);
+    }
+    if (settings.ReadSetting("sort") == "offset") {
+        menu.setChecked("SortOffset", true);
+        editor_.table().setOrder(EntryTable::Order::Index);
+    } else {
+        menu.setChecked("SortName", true);
+        editor_.table().setOrder(EntryTable::Order::Name);
+    }
+    if (settings.ReadSetting("showColors") == "True") {
+        menu.setChecked("OptCols", true);
+        PaintRowStripes();
+    }
+    for (const auto& [key, item] :
+         {std::pair{"deleteProm", "OptConDelete"}, std::pair{"addingScan", "AddingScan"},
+          std::pair{"rebuildPrompt", "OptRebuildPrompt"}}) {
+        if (BooleanWord(settings.ReadSetting(key)).value_or(false)) {
+            menu.setChecked(item, true);
+        }
+    }
+    if (settings.ReadSetting("firstRun") == "True") {
+        const std::string message = text("frun1") + "\n" + text("frun2") + "\n" + text("frun3") +
+                                    "\n\n" + text("frun4") + "\n" + text("frun5");
+        if (editor_.desktop().AskYesNo(message, text("frun6"))) {
+            // A missing readme opens nothing; the shell's answer is not looked at.
+            editor_.desktop().OpenWithShell((ResourceFolder() / "readme - FAQ.html").string());
+        }
+        settings.WriteSetting("False", "firstRun");
+    }
+}
+
+void MainCommands::Shutdown() {
+    if (editor_.menu().isChecked("OptRebuildPrompt") &&
+        editor_.settings().ReadSetting("archiveState") == "shit" && editor_.rebuildCommand()) {
+        editor_.rebuildCommand()();
+    }
+    std::error_code ec;
+    for (const auto& item : fs::directory_iterator(TempsFolder(), ec)) {
+        std::error_code ignored;
+        if (item.is_regular_file(ignored)) {
+            fs::remove(item.path(), ignored);
+        }
+    }
+}
+
+void MainCommands::ToggleOption(std::string_view item) {
+    static constexpr std::array<std::pair<std::string_view, std::string_view>, 3> keys = {
+        {{"OptAuto", "autoLoad"},
+         {"OptConDelete", "deleteProm"},
+         {"OptRebuildPrompt", "rebuildPrompt"}}};
+    const auto found = std::find_if(keys.begin(), keys.end(),
+                                    [&](const auto& pair) { return pair.first == item; });
+    if (found == keys.end()) {
+        return;
+    }
+    const bool checked = !editor_.menu().isChecked(item);
+    editor_.menu().setChecked(item, checked);
+    editor_.settings().WriteSetting(checked ? "True" : "False", found->second);
+}
+
+void MainCommands::AddListColumnHeaders() {
+    for (const ColumnSpec& column : ArchiveColumns) {
+        list_.AddColumnHeader(text(column.textKey), column.widthTwips);
+    }
+}
+
+void MainCommands::SwitchLanguage(int slot) {
+    if (slot < 1 || slot > LanguageSlotCount) {
+        return;
+    }
+    MenuState& menu = editor_.menu();
+    const std::string slotName = LanguageSlotName(slot);
+    editor_.settings().WriteSetting(menu.caption(slotName), "language");
+    RelabelMainMenus(menu, editor_.settings());
+    UncheckLanguageItems(menu);
+    menu.setChecked(slotName, true);
+    list_.ClearColumnHeaders();
+    AddListColumnHeaders();
+    editor_.FileReload();
+    editor_.desktop().SetStatus(editor_.settings().ReadSetting("language") + " " + text("sd5"));
+}
+
+void MainCommands::Sort(EntryTable::Order order) {
+    const bool byName = order == EntryTable::Order::Name;
+    editor_.menu().setChecked("SortName", byName);
+    editor_.menu().setChecked("SortOffset", !byName);
+    editor_.settings().WriteSetting(byName ? "name" : "offset", "sort");
+    editor_.table().setOrder(order);
+    editor_.FileReload();
+    editor_.FindHighestOffset();
+    editor_.desktop().SetStatus(text(byName ? "sort1" : "sort2"));
+}
+
+void MainCommands::SortName() {
+    Sort(EntryTable::Order::Name);
+}
+void MainCommands::SortOffset() {
+    Sort(EntryTable::Order::Index);
+}
+
+void MainCommands::OptGrid() {
+    const bool shown = !editor_.menu().isChecked("OptGrid");
+    editor_.menu().setChecked("OptGrid", shown);
+    editor_.settings().WriteSetting(shown ? "True" : "False", "showGrid");
+    list_.SetGridLines(shown);
+}
+
+void MainCommands::OptCols() {
+    if (editor_.menu().isChecked("OptCols")) {
+        editor_.menu().setChecked("OptCols", false);
+        editor_.settings().WriteSetting("False", "showColors");
+        // The stripes stay until the next start; the message says so.
+        PaintRowStripes();
+        editor_.desktop().ShowMessage(text("color1"), "Korvel", MessageIcon::Information);
+    } else {
+        editor_.menu().setChecked("OptCols", true);
+        editor_.settings().WriteSetting("True", "showColors");
+        PaintRowStripes();
+    }
+}
+
+void MainCommands::PaintRowStripes() {
+    const Settings& settings = editor_.settings();
+    std::array<int, 6> values{};
+    const std::array<std::string_view, 6> keys = {"l1r", "l1g", "l1b", "l2r", "l2g", "l2b"};
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        const std::optional<int> value = ColourComponent(settings.ReadSetting(keys[i]));
+        if (!value) {
+            list_.SetRowStripes(std::nullopt);
+            return;
+        }
+        values[i] = *value;
+    }
+    list_.SetRowStripes(
+        std::pair{Rgb{values[0], values[1], values[2]}, Rgb{values[3], values[4], values[5]}});
+}
+
+void MainCommands::Resized() {
+    if (editor_.menu().isChecked("OptCols")) {
+        PaintRowStripes();
+    }
+}
+
+void MainCommands::ClearSelection() {
+    editor_.table().clearSelection();
+}
+
+void MainCommands::EditSelect() {
+    ClearSelection();
+    editor_.table().selectAll();
+    editor_.desktop().SetStatus(text("select1") + " " + std::to_string(editor_.table().size()) +
+                                " " + text("select2"));
+}
+
+void MainCommands::SelectByType(std::string_view item) {
+    const auto type = std::find_if(TypeSelections.begin(), TypeSelections.end(),
+                                   [&](const TypeSelection& t) { return t.item == item; });
+    if (type == TypeSelections.end()) {
+        return;
+    }
+    ClearSelection();
+    EntryTable& table = editor_.table();
+    std::vector<bool> chosen(table.size(), false);
+    bool found = false;
+    for (std::size_t row = 0; row < table.size(); ++row) {
+        const std::string& name = table[row].name;
+        chosen[row] =
+            type->ending.empty() ? IsOtherName(name) : LastFourLower(name) == type->ending;
+        found = found || chosen[row];
+    }
+    table.setSelection(chosen);
+    const std::string typeText = text(type->textKey);
+    editor_.desktop().SetStatus(found ? text("select1") + " " + typeText + " " + text("select2")
+                                      : text("select4") + " " + typeText + " " + text("select12") +
+                                            " " + text("select5"));
+}
+
+} // namespace korvel

@@ -1,0 +1,74 @@
+// The main window's own commands, without the window: start-up and shutdown,
+// the simple options, list order, grid lines and row stripes, the selection
+// commands and switching language. The window turns gestures into these
+// calls and shows the list as the ListAppearance calls tell it.
+#pragma once
+
+#include "archive/Editor.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace korvel {
+
+// What the commands ask of the list's looks; the Qt window implements it.
+class ListAppearance {
+public:
+    virtual ~ListAppearance() = default;
+    virtual void ClearColumnHeaders() = 0;
+    virtual void AddColumnHeader(const std::string& text, int widthTwips) = 0;
+    virtual void SetGridLines(bool shown) = 0;
+    // Rows in colour 1 and colour 2 in turn, colour 1 at the top; nothing
+    // removes the stripes.
+    virtual void SetRowStripes(std::optional<std::pair<Rgb, Rgb>> colours) = 0;
+};
+
+// The text the window is started with: the arguments joined by blanks,
+// every double quote removed.
+std::string CommandLineFromArguments(const std::vector<std::string>& arguments);
+
+// A colour value as the stripes take it: a whole number, above 255 counting
+// as 255; nothing for anything else (negative, fractional, not a number).
+std::optional<int> ColourComponent(std::string_view value);
+
+class MainCommands {
+public:
+    MainCommands(Editor& editor, ListAppearance& list);
+
+    void Startup(const std::string& commandLine);
+    void ApplyStartupSettings();
+    // Offers the rebuild when the archive changed, then empties the temps
+    // folder. Errors are ignored: the editor is going away.
+    void Shutdown();
+
+    // OptAuto, OptConDelete, OptRebuildPrompt.
+    void ToggleOption(std::string_view item);
+
+    void AddListColumnHeaders();
+    // Slot 1..7 of the Language menu.
+    void SwitchLanguage(int slot);
+
+    void SortName();
+    void SortOffset();
+    void OptGrid();
+    void OptCols();
+    void PaintRowStripes();
+    void Resized();
+
+    void ClearSelection();
+    void EditSelect();
+    // SelectModels, SelectTextures, SelectAni, SelectCols, SelectAllOther.
+    void SelectByType(std::string_view item);
+
+private:
+    std::string text(std::string_view key) const { return editor_.text(key); }
+    void Sort(EntryTable::Order order);
+
+    Editor& editor_;
+    ListAppearance& list_;
+};
+
+} // namespace korvel

@@ -1,0 +1,270 @@
+#include "ui/MainWindow.h"
+
+#include "archive/MenuTree.h"
+#include "platform/Folders.h"
+#include "ui/AboutBox.h"
+#include "ui/ArchiveView.h"
+#include "ui/EntryModel.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QHeaderView>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QProgressBar>
+#include <QScreen>
+#include <QStatusBar>
+#include <QVBoxLayout>
+
+#include <cmath>
+
+namespace korvel::ui {
+namespace {
+
+constexpr double TwipsPerInch = 1440.0;
+// Stripes and rows are 255 twips high plus one screen pixel.
+constexpr int RowHeightTwips = 255;
+
+QString Q(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+// Captions are plain text; an ampersand in a path must not become a mnemonic.
+QString Caption(const std::string& text) {
+    return Q(text).replace('&', QStringLiteral("&&"));
+}
+
+} // namespace
+
+MainWindow::MainWindow(Settings& settings, QWidget* parent)
+    : QMainWindow(parent), desktop_(this), editor_(desktop_, settings, EditorFolder()),
+      commands_(editor_, *this) {
+    setObjectName(QStringLiteral("Main"));
+    setWindowTitle(QStringLiteral(" Korvel"));
+
+    view_ = new ArchiveView(this);
+    model_ = new EntryModel(
+        editor_.table(), [this] { return Q(editor_.text("ready")); }, this);
+    view_->setModel(model_);
+    model_->attachSelectionModel(view_->selectionModel());
+    view_->verticalHeader()->setDefaultSectionSize(twipsToPixelsY(RowHeightTwips) + 1);
+    view_->verticalHeader()->setMinimumSectionSize(1);
+
+    progress_ = new QProgressBar(this);
+    progress_->setObjectName(QStringLiteral("PB1"));
+    progress_->setTextVisible(false);
+    progress_->setMaximumHeight(12);
+    progress_->hide();
+
+    auto* central = new QWidget(this);
+    auto* layout = new QVBoxLayout(central);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(2);
+    layout->addWidget(view_, 1);
+    layout->addWidget(progress_);
+    setCentralWidget(central);
+
+    auto* bar = new QStatusBar(this);
+    bar->setObjectName(QStringLiteral("SB"));
+    panel1_ = new QLabel(bar);
+    panel1_->setObjectName(QStringLiteral("SBPanel1"));
+    panel2_ = new QLabel(bar);
+    panel2_->setObjectName(QStringLiteral("SBPanel2"));
+    panel1_->setMinimumWidth(1);
+    bar->addWidget(panel1_, 1);
+    bar->addPermanentWidget(panel2_);
+    setStatusBar(bar);
+    desktop_.attachStatusBar(bar, panel1_, panel2_, progress_);
+
+    buildMenus();
+    registerCommands();
+    editor_.menu().setObserver(
+        [this](const std::string& name, const MenuItemState& state) { mirror(name, state); });
+    ForEachMenuNode(MainMenuTree(), [this](const MenuNode& node) {
+        mirror(node.name, editor_.menu().item(node.name));
+    });
+
+    connect(view_, &ArchiveView::viewRequested, this, [this] { runCommand("EditView"); });
+    connect(view_, &ArchiveView::popupRequested, this,
+            [this](const QPoint& at) { menus_.value("MenuEdit")->popup(at); });
+    connect(view_, &ArchiveView::filesDropped, this, [](const QStringList&) {
+        // Dropped files are added to the archive once adding exists.
+    });
+
+    resize(420, 560);
+}
+
+MainWindow::~MainWindow() {
+    editor_.menu().setObserver(nullptr);
+    // The model listens to the table, which goes away with the editor before
+    // Qt deletes the child widgets: take the view and model down first.
+    delete view_;
+    delete model_;
+}
+
+void MainWindow::startup(const std::string& commandLine) {
+    commands_.Startup(commandLine);
+}
+
+int MainWindow::twipsToPixelsX(int twips) const {
+    return static_cast<int>(std::lround(twips * logicalDpiX() / TwipsPerInch));
+}
+
+int MainWindow::twipsToPixelsY(int twips) const {
+    return static_cast<int>(std::lround(twips * logicalDpiY() / TwipsPerInch));
+}
+
+void MainWindow::buildMenus() {
+    for (const MenuNode& top : MainMenuTree()) {
+        QMenu* menu = menuBar()->addMenu(Q(top.caption));
+        menu->setObjectName(Q(top.name));
+        menu->menuAction()->setObjectName(Q(top.name));
+        menus_.insert(Q(top.name), menu);
+        actions_.insert(Q(top.name), menu->menuAction());
+        addMenuItems(menu, top.children);
+    }
+}
+
+void MainWindow::addMenuItems(QMenu* menu, const std::vector<MenuNode>& nodes) {
+    for (const MenuNode& node : nodes) {
+        const QString name = Q(node.name);
+        if (node.isSeparator()) {
+            QAction* gap = menu->addSeparator();
+            gap->setObjectName(name);
+            actions_.insert(name, gap);
+            continue;
+        }
+        if (node.isSubMenu()) {
+            QMenu* sub = menu->addMenu(Caption(node.caption));
+            sub->setObjectName(name);
+            sub->menuAction()->setObjectName(name);
+            menus_.insert(name, sub);
+            actions_.insert(name, sub->menuAction());
+            addMenuItems(sub, node.children);
+            continue;
+        }
+        QAction* item = menu->addAction(Caption(node.caption));
+        item->setObjectName(name);
+        item->setCheckable(node.checkable);
+        if (!node.shortcut.empty()) {
+            item->setShortcut(QKeySequence(Q(node.shortcut), QKeySequence::PortableText));
+        }
+        connect(item, &QAction::triggered, this, [this, name] { runCommand(name); });
+        actions_.insert(name, item);
+    }
+}
+
+void MainWindow::mirror(const std::string& name, const MenuItemState& state) {
+    QAction* item = actions_.value(Q(name));
+    if (item == nullptr || item->isSeparator()) {
+        return;
+    }
+    item->setText(Caption(state.caption));
+    item->setEnabled(state.enabled);
+    item->setVisible(state.visible);
+    if (item->isCheckable()) {
+        item->setChecked(state.checked);
+    }
+}
+
+void MainWindow::mirrorChecks() {
+    // Qt flips a checkable action before its command runs; the engine's state
+    // is the truth, also when the command left it unchanged.
+    for (QAction* item : std::as_const(actions_)) {
+        if (item->isCheckable()) {
+            item->setChecked(editor_.menu().isChecked(item->objectName().toStdString()));
+        }
+    }
+}
+
+void MainWindow::setCommand(const QString& name, std::function<void()> command) {
+    handlers_.insert(name, std::move(command));
+}
+
+void MainWindow::runCommand(const QString& name) {
+    const auto found = handlers_.constFind(name);
+    if (found != handlers_.constEnd() && *found) {
+        (*found)();
+    }
+    mirrorChecks();
+}
+
+void MainWindow::registerCommands() {
+    Editor& e = editor_;
+    MainCommands& c = commands_;
+    setCommand("FileNew", [&e] { e.FileNew(); });
+    setCommand("FileOpen", [&e] { e.FileOpen(); });
+    for (int slot = 1; slot <= 3; ++slot) {
+        setCommand(QStringLiteral("recent%1").arg(slot), [&e, slot] { e.OpenRecent(slot); });
+    }
+    setCommand("FileClose", [&e] { e.FileClose(); });
+    setCommand("FileReload", [&e] { e.FileReload(); });
+    setCommand("FileExit", [this] { close(); });
+    setCommand("EditSelect", [&c] { c.EditSelect(); });
+    for (const char* item :
+         {"SelectModels", "SelectTextures", "SelectAni", "SelectCols", "SelectAllOther"}) {
+        setCommand(item, [&c, item] { c.SelectByType(item); });
+    }
+    setCommand("SortName", [&c] { c.SortName(); });
+    setCommand("SortOffset", [&c] { c.SortOffset(); });
+    setCommand("OptGrid", [&c] { c.OptGrid(); });
+    setCommand("OptCols", [&c] { c.OptCols(); });
+    for (const char* item : {"OptAuto", "OptConDelete", "OptRebuildPrompt"}) {
+        setCommand(item, [&c, item] { c.ToggleOption(item); });
+    }
+    for (int slot = 1; slot <= LanguageSlotCount; ++slot) {
+        setCommand(Q(LanguageSlotName(slot)), [&c, slot] { c.SwitchLanguage(slot); });
+    }
+    setCommand("HelpAbout", [this] { showAbout(); });
+    // The remaining items (EditView, EditAdd, EditExtract, ComRebuild, the find
+    // windows, the reports, OptAss, the Help links ...) get their commands
+    // through setCommand as those features land; until then they do nothing.
+}
+
+void MainWindow::showAbout() {
+    AboutBox box(QStringLiteral(" ") + Q(editor_.text("menue3")), this);
+    box.exec();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    if (!shutDown_) {
+        shutDown_ = true;
+        commands_.Shutdown();
+    }
+    event->accept();
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    commands_.Resized();
+}
+
+void MainWindow::ClearColumnHeaders() {
+    model_->clearColumns();
+}
+
+void MainWindow::AddColumnHeader(const std::string& text, int widthTwips) {
+    model_->addColumn(Q(text));
+    view_->setColumnWidth(model_->columnCount() - 1, twipsToPixelsX(widthTwips));
+}
+
+void MainWindow::SetGridLines(bool shown) {
+    view_->setShowGrid(shown);
+}
+
+void MainWindow::SetRowStripes(std::optional<std::pair<Rgb, Rgb>> colours) {
+    if (!colours) {
+        view_->setAlternatingRowColors(false);
+        view_->setPalette(QPalette());
+        return;
+    }
+    QPalette palette = view_->palette();
+    const auto toColour = [](const Rgb& c) { return QColor(c.red, c.green, c.blue); };
+    palette.setColor(QPalette::Base, toColour(colours->first));
+    palette.setColor(QPalette::AlternateBase, toColour(colours->second));
+    view_->setPalette(palette);
+    view_->setAlternatingRowColors(true);
+}
+
+} // namespace korvel::ui

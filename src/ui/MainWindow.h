@@ -1,0 +1,90 @@
+// The main window `Main`: menu bar built from the menu tree, the list
+// `Archive`, the status bar `SB` with its two panels and PB1. It owns the
+// editor session for the whole run and holds no archive logic: menu items
+// call the engine, and the engine's menu state is mirrored into the actions.
+#pragma once
+
+#include "archive/Editor.h"
+#include "archive/MainCommands.h"
+#include "ui/QtDesktop.h"
+
+#include <QHash>
+#include <QMainWindow>
+
+#include <functional>
+#include <memory>
+#include <string>
+
+class QAction;
+class QLabel;
+class QMenu;
+class QProgressBar;
+
+namespace korvel {
+struct MenuNode;
+}
+
+namespace korvel::ui {
+
+class ArchiveView;
+class EntryModel;
+
+class MainWindow : public QMainWindow, private ListAppearance {
+    Q_OBJECT
+public:
+    explicit MainWindow(Settings& settings, QWidget* parent = nullptr);
+    ~MainWindow() override;
+
+    // The start-up sequence; `commandLine` is the program's arguments joined.
+    void startup(const std::string& commandLine);
+
+    // Runs the command of a menu item by its name, as clicking it does.
+    void runCommand(const QString& name);
+    // Lets a feature plug its command into a menu item.
+    void setCommand(const QString& name, std::function<void()> command);
+
+    QAction* action(const QString& name) const { return actions_.value(name); }
+    QMenu* menu(const QString& name) const { return menus_.value(name); }
+    Editor& editor() { return editor_; }
+    MainCommands& commands() { return commands_; }
+    QtDesktop& desktop() { return desktop_; }
+    ArchiveView* archiveView() const { return view_; }
+    EntryModel* model() const { return model_; }
+    QLabel* statusPanel() const { return panel1_; }
+    QLabel* statsPanel() const { return panel2_; }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    // ListAppearance
+    void ClearColumnHeaders() override;
+    void AddColumnHeader(const std::string& text, int widthTwips) override;
+    void SetGridLines(bool shown) override;
+    void SetRowStripes(std::optional<std::pair<Rgb, Rgb>> colours) override;
+
+    void buildMenus();
+    void addMenuItems(QMenu* menu, const std::vector<MenuNode>& nodes);
+    void registerCommands();
+    void mirror(const std::string& name, const MenuItemState& state);
+    void mirrorChecks();
+    void showAbout();
+    int twipsToPixelsX(int twips) const;
+    int twipsToPixelsY(int twips) const;
+
+    QtDesktop desktop_;
+    Editor editor_;
+    MainCommands commands_;
+    ArchiveView* view_ = nullptr;
+    EntryModel* model_ = nullptr;
+    QLabel* panel1_ = nullptr;
+    QLabel* panel2_ = nullptr;
+    QProgressBar* progress_ = nullptr;
+    QHash<QString, QAction*> actions_;
+    QHash<QString, QMenu*> menus_;
+    QHash<QString, std::function<void()>> handlers_;
+    bool shutDown_ = false;
+};
+
+} // namespace korvel::ui

@@ -1,0 +1,219 @@
+#include "ui/QtDesktop.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QColorDialog>
+#include <QDesktopServices>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QInputDialog>
+#include <QLabel>
+#include <QMessageBox>
+#include <QProgressBar>
+#include <QStatusBar>
+#include <QUrl>
+
+namespace korvel::ui {
+namespace {
+
+QString Q(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+// An empty title means the program's own, as the engine's calls expect.
+QString TitleOr(const std::string& title) {
+    return title.empty() ? QStringLiteral("Korvel") : Q(title);
+}
+
+QMessageBox::Icon BoxIcon(MessageIcon icon) {
+    switch (icon) {
+    case MessageIcon::Information:
+        return QMessageBox::Information;
+    case MessageIcon::Exclamation:
+        return QMessageBox::Warning;
+    case MessageIcon::Critical:
+        return QMessageBox::Critical;
+    case MessageIcon::None:
+        break;
+    }
+    return QMessageBox::NoIcon;
+}
+
+constexpr qint64 PaintIntervalMs = 30;
+
+} // namespace
+
+QtDesktop::QtDesktop(QWidget* owner) : owner_(owner) {
+    sincePaint_.start();
+}
+
+QtDesktop::~QtDesktop() {
+    while (busyDepth_ > 0) {
+        SetBusy(false);
+    }
+}
+
+void QtDesktop::attachStatusBar(QStatusBar* bar, QLabel* panel1, QLabel* panel2,
+                                QProgressBar* progress) {
+    bar_ = bar;
+    panel1_ = panel1;
+    panel2_ = panel2;
+    progress_ = progress;
+}
+
+void QtDesktop::ShowMessage(const std::string& text, const std::string& title, MessageIcon icon) {
+    QMessageBox box(BoxIcon(icon), TitleOr(title), Q(text), QMessageBox::Ok, owner_);
+    box.setObjectName(QStringLiteral("message"));
+    box.exec();
+}
+
+bool QtDesktop::AskYesNo(const std::string& text, const std::string& title) {
+    QMessageBox box(QMessageBox::NoIcon, TitleOr(title), Q(text),
+                    QMessageBox::Yes | QMessageBox::No, owner_);
+    box.setObjectName(QStringLiteral("question"));
+    box.setDefaultButton(QMessageBox::Yes);
+    return box.exec() == QMessageBox::Yes;
+}
+
+FileDialogAnswer QtDesktop::fileDialog(const FileDialogRequest& request, bool saving) {
+    QFileDialog dialog(owner_, Q(request.title), Q(request.startFolder), Q(request.filter));
+    dialog.setObjectName(QStringLiteral("CD1"));
+    if (saving) {
+        dialog.setAcceptMode(QFileDialog::AcceptSave);
+        dialog.setFileMode(QFileDialog::AnyFile);
+        // Commands ask about replacing a file in their own words.
+        dialog.setOption(QFileDialog::DontConfirmOverwrite);
+    } else {
+        dialog.setAcceptMode(QFileDialog::AcceptOpen);
+        dialog.setFileMode(request.multiple ? QFileDialog::ExistingFiles
+                                            : QFileDialog::ExistingFile);
+    }
+    if (!request.presetName.empty()) {
+        dialog.selectFile(Q(request.presetName));
+    }
+    FileDialogAnswer answer;
+    if (dialog.exec() != QDialog::Accepted) {
+        answer.outcome = FileDialogAnswer::Outcome::Cancelled;
+        return answer;
+    }
+    for (const QString& path : dialog.selectedFiles()) {
+        answer.paths.push_back(path.toStdString());
+    }
+    answer.outcome = FileDialogAnswer::Outcome::Chosen;
+    return answer;
+}
+
+FileDialogAnswer QtDesktop::OpenFileDialog(const FileDialogRequest& request) {
+    return fileDialog(request, false);
+}
+
+FileDialogAnswer QtDesktop::SaveFileDialog(const FileDialogRequest& request) {
+    return fileDialog(request, true);
+}
+
+std::optional<std::string> QtDesktop::ChooseFolderDialog(const std::string& title) {
+    const QString folder = QFileDialog::getExistingDirectory(owner_, Q(title));
+    if (folder.isEmpty()) {
+        return std::nullopt;
+    }
+    return folder.toStdString();
+}
+
+std::optional<std::string> QtDesktop::InputBox(const std::string& prompt, const std::string& title,
+                                               const std::string& initial) {
+    bool accepted = false;
+    const QString typed = QInputDialog::getText(owner_, TitleOr(title), Q(prompt),
+                                                QLineEdit::Normal, Q(initial), &accepted);
+    if (!accepted) {
+        return std::nullopt;
+    }
+    return typed.toStdString();
+}
+
+std::optional<Rgb> QtDesktop::PickColour() {
+    const QColor colour = QColorDialog::getColor(Qt::white, owner_);
+    if (!colour.isValid()) {
+        return std::nullopt;
+    }
+    return Rgb{colour.red(), colour.green(), colour.blue()};
+}
+
+void QtDesktop::paintNow(QWidget* widget, bool force) {
+    if (widget == nullptr || !widget->isVisible()) {
+        return;
+    }
+    if (!force && sincePaint_.elapsed() < PaintIntervalMs) {
+        return;
+    }
+    // repaint() draws at once without running the event loop, so no key or
+    // click is taken while a command is still working.
+    widget->repaint();
+    sincePaint_.restart();
+}
+
+void QtDesktop::SetStatus(const std::string& text) {
+    if (panel1_) {
+        panel1_->setText(Q(text));
+        paintNow(panel1_, true);
+    }
+}
+
+void QtDesktop::SetStats(const std::string& text) {
+    if (panel2_) {
+        panel2_->setText(Q(text));
+        paintNow(panel2_, true);
+    }
+}
+
+void QtDesktop::SetArchivePath(const std::string& path) {
+    if (bar_) {
+        bar_->setToolTip(Q(path));
+    }
+}
+
+void QtDesktop::ShowProgress(int maximum) {
+    if (progress_) {
+        progress_->setRange(0, std::max(0, maximum));
+        progress_->setValue(0);
+        progress_->show();
+        paintNow(progress_, true);
+    }
+}
+
+void QtDesktop::SetProgress(int value) {
+    if (progress_) {
+        progress_->setValue(value);
+        paintNow(progress_, false);
+    }
+}
+
+void QtDesktop::HideProgress() {
+    if (progress_) {
+        progress_->hide();
+    }
+}
+
+void QtDesktop::SetBusy(bool busy) {
+    if (busy) {
+        ++busyDepth_;
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+    } else if (busyDepth_ > 0) {
+        --busyDepth_;
+        QApplication::restoreOverrideCursor();
+    }
+}
+
+void QtDesktop::SetClipboardText(const std::string& text) {
+    QClipboard* clipboard = QGuiApplication::clipboard();
+    clipboard->clear();
+    clipboard->setText(Q(text));
+}
+
+bool QtDesktop::OpenWithShell(const std::string& pathOrAddress) {
+    const QString target = Q(pathOrAddress);
+    const QUrl url =
+        QFileInfo::exists(target) ? QUrl::fromLocalFile(target) : QUrl::fromUserInput(target);
+    return QDesktopServices::openUrl(url);
+}
+
+} // namespace korvel::ui

@@ -1,0 +1,58 @@
+// The Desktop of the real editor: Qt message boxes and dialogs, the status
+// bar panels, PB1, the clipboard and the shell. Status texts and the progress
+// bar repaint at once, so a long command that never returns to the event loop
+// still shows its progress, and no input is taken meanwhile.
+#pragma once
+
+#include "platform/Desktop.h"
+
+#include <QElapsedTimer>
+#include <QPointer>
+
+class QLabel;
+class QProgressBar;
+class QStatusBar;
+class QWidget;
+
+namespace korvel::ui {
+
+class QtDesktop : public Desktop {
+public:
+    explicit QtDesktop(QWidget* owner);
+    ~QtDesktop() override;
+
+    void attachStatusBar(QStatusBar* bar, QLabel* panel1, QLabel* panel2, QProgressBar* progress);
+
+    void ShowMessage(const std::string& text, const std::string& title, MessageIcon icon) override;
+    bool AskYesNo(const std::string& text, const std::string& title) override;
+    FileDialogAnswer OpenFileDialog(const FileDialogRequest& request) override;
+    FileDialogAnswer SaveFileDialog(const FileDialogRequest& request) override;
+    std::optional<std::string> ChooseFolderDialog(const std::string& title) override;
+    std::optional<std::string> InputBox(const std::string& prompt, const std::string& title,
+                                        const std::string& initial) override;
+    std::optional<Rgb> PickColour() override;
+    void SetStatus(const std::string& text) override;
+    void SetStats(const std::string& text) override;
+    void SetArchivePath(const std::string& path) override;
+    void ShowProgress(int maximum) override;
+    void SetProgress(int value) override;
+    void HideProgress() override;
+    void SetBusy(bool busy) override;
+    void SetClipboardText(const std::string& text) override;
+    bool OpenWithShell(const std::string& pathOrAddress) override;
+
+private:
+    FileDialogAnswer fileDialog(const FileDialogRequest& request, bool saving);
+    // Paints the widget now, at most every few milliseconds unless forced.
+    void paintNow(QWidget* widget, bool force);
+
+    QWidget* owner_;
+    QPointer<QStatusBar> bar_;
+    QPointer<QLabel> panel1_;
+    QPointer<QLabel> panel2_;
+    QPointer<QProgressBar> progress_;
+    QElapsedTimer sincePaint_;
+    int busyDepth_ = 0;
+};
+
+} // namespace korvel::ui

@@ -1,0 +1,59 @@
+#include "UiSupport.h"
+
+#include "platform/Folders.h"
+#include "ui/EntryModel.h"
+
+namespace korvel::test {
+
+WindowEnv::WindowEnv(bool firstRun) : settings(SettingsFilePath(), LanguageFilePath()) {
+    settings.EnsureSettingsFile();
+    if (!firstRun) {
+        settings.WriteSetting("False", "firstRun");
+    }
+    window = std::make_unique<ui::MainWindow>(settings);
+}
+
+ui::MainWindow& WindowEnv::start(const std::string& commandLine) {
+    window->startup(commandLine);
+    window->show();
+    return *window;
+}
+
+std::string WindowEnv::archive(const std::string& name, const std::vector<std::string>& entries) {
+    std::vector<DirRecord> records;
+    std::uint32_t sector = 0;
+    for (const std::string& entry : entries) {
+        records.push_back({sector++, 1, entry});
+    }
+    WriteArchive(folder / name, records, SectorSize * entries.size());
+    return (folder / name).string();
+}
+
+std::vector<std::string> WindowEnv::shownNames() const {
+    std::vector<std::string> names;
+    const ui::EntryModel* model = window->model();
+    for (int row = 0; row < model->rowCount(); ++row) {
+        names.push_back(model->index(row, 0).data().toString().toStdString());
+    }
+    return names;
+}
+
+std::shared_ptr<bool> AnswerNextModal(std::function<void(QWidget*)> answer) {
+    auto done = std::make_shared<bool>(false);
+    auto* timer = new QTimer(qApp);
+    timer->setInterval(5);
+    QObject::connect(timer, &QTimer::timeout, [timer, answer, done] {
+        QWidget* modal = QApplication::activeModalWidget();
+        if (modal == nullptr || !modal->isVisible()) {
+            return;
+        }
+        timer->stop();
+        timer->deleteLater();
+        *done = true;
+        answer(modal);
+    });
+    timer->start();
+    return done;
+}
+
+} // namespace korvel::test
