@@ -60,5 +60,6 @@ private:
 void AddArchiveVerbs(VerbTable& verbs); // list, new
 // extract, add, replace, rename, lowercase, delete, move-to-end, rebuild
 void AddEntryVerbs(VerbTable& verbs);
+void AddFindVerbs(VerbTable& verbs); // find, find-in, check, report
 
 } // namespace korvel::cli

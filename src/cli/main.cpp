@@ -38,6 +38,7 @@ const VerbTable& Verbs() {
         VerbTable table;
         AddArchiveVerbs(table);
         AddEntryVerbs(table);
+        AddFindVerbs(table);
         return table;
     }();
     return verbs;

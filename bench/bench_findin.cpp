@@ -1,0 +1,69 @@
+// Find in files over an archive of 5 000 texture dictionaries: time, and how
+// many bytes the search reads from the data file against its size.
+#include "EntryBytes.h"
+#include "ScriptedDesktop.h"
+#include "TestFolder.h"
+#include "search/FindInFiles.h"
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+
+using namespace korvel;
+
+int main(int argc, char** argv) {
+    const int dictionaries = argc > 1 ? std::atoi(argv[1]) : 5000;
+    const int perDictionary = 4;
+    const std::size_t pixels = 32 * 32 * 4;
+    test::TestFolder folder;
+
+    // Written entry by entry, so the benchmark never holds the whole file.
+    std::ofstream img(folder / "big.img", std::ios::binary);
+    std::vector<DirRecord> records;
+    std::uint32_t sector = 0;
+    for (int d = 0; d < dictionaries; ++d) {
+        std::vector<std::string> natives;
+        for (int t = 0; t < perDictionary; ++t) {
+            natives.push_back(test::Native("tex" + std::to_string(d) + "_" + std::to_string(t),
+                                           t % 2 ? "mask" : "", pixels));
+        }
+        std::string bytes = test::Dictionary(perDictionary, 0, natives);
+        const auto sectors = static_cast<std::uint32_t>(SectorsForFile(bytes.size()));
+        bytes.resize(SectorToOffset(sectors), '\0');
+        img.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        records.push_back({sector, sectors, "dict" + std::to_string(d) + ".txd"});
+        sector += sectors;
+    }
+    img.close();
+    test::WriteBytes(folder / "big.dir", EncodeDirectory(records));
+
+    test::ScriptedDesktop desktop;
+    Settings settings(folder / "korvel.ini", folder / "lang.ini");
+    settings.EnsureSettingsFile();
+    Editor editor(desktop, settings, folder.path());
+    if (!editor.OpenArchive((folder / "big.img").string())) {
+        return 1;
+    }
+
+    auto start = std::chrono::steady_clock::now();
+    std::uint64_t bytesRead = 0;
+    const std::size_t names = ReadTextureDictionaryNames(editor, &bytesRead).size();
+    const double read =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+
+    start = std::chrono::steady_clock::now();
+    const std::size_t found = FindTexturesInArchive(editor, "_3").size();
+    const double search =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+
+    const std::uint64_t dataBytes = SectorToOffset(sector);
+    std::printf("dictionaries: %d, textures: %zu, data file: %llu bytes\n", dictionaries, names,
+                static_cast<unsigned long long>(dataBytes));
+    std::printf("ReadTextureDictionaryNames: %.4f s, %llu bytes read (%.3f%% of the file, %.1f "
+                "per texture)\n",
+                read, static_cast<unsigned long long>(bytesRead), 100.0 * bytesRead / dataBytes,
+                static_cast<double>(bytesRead) / static_cast<double>(names));
+    std::printf("FindTexturesInArchive(\"_3\"): %.4f s, %zu results\n", search, found);
+    return 0;
+}

@@ -1,0 +1,43 @@
+#include "reports/AnsiFile.h"
+
+#include "archive/Names.h"
+
+#include <fstream>
+
+namespace korvel {
+
+std::string ToAnsi(std::string_view utf8) {
+    if (auto whole = Utf8ToCp1252(utf8)) {
+        return *whole;
+    }
+    // Convert one UTF-8 sequence at a time so one odd character costs only
+    // itself.
+    std::string out;
+    for (std::size_t i = 0; i < utf8.size();) {
+        std::size_t n = 1;
+        while (i + n < utf8.size() && (static_cast<unsigned char>(utf8[i + n]) & 0xC0) == 0x80) {
+            ++n;
+        }
+        const auto one = Utf8ToCp1252(utf8.substr(i, n));
+        out += one ? *one : std::string("?");
+        i += n;
+    }
+    return out;
+}
+
+bool WriteLines(const std::filesystem::path& path, const std::vector<std::string>& lines) {
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    if (!out) {
+        return false;
+    }
+    for (const std::string& line : lines) {
+        out << line << "\r\n";
+        if (!out) {
+            return false;
+        }
+    }
+    out.close();
+    return static_cast<bool>(out);
+}
+
+} // namespace korvel
