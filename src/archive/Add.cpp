@@ -20,7 +20,17 @@ bool LowerLess(std::string_view a, std::string_view b) {
     });
 }
 
-// A setting read the way a number is read from text: leading digits, else 0.
+bool IsTextureDictionary(std::string_view name) {
+    return name.size() >= 4 && ToLowerCp1252(name.substr(name.size() - 4)) == ".txd";
+}
+
+std::string FolderWithSeparator(const std::string& path) {
+    const auto slash = path.find_last_of("/\\");
+    return slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
+}
+
+} // namespace
+
 long NumberSetting(const std::string& value) {
     long number = 0;
     for (char c : value) {
@@ -34,17 +44,6 @@ long NumberSetting(const std::string& value) {
     }
     return number;
 }
-
-bool IsTextureDictionary(std::string_view name) {
-    return name.size() >= 4 && ToLowerCp1252(name.substr(name.size() - 4)) == ".txd";
-}
-
-std::string FolderWithSeparator(const std::string& path) {
-    const auto slash = path.find_last_of("/\\");
-    return slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
-}
-
-} // namespace
 
 // Finds rows by name ignoring case without comparing every row with every
 // file: a hash of lower-cased names while rows keep index order (new rows
@@ -115,7 +114,8 @@ EntryCommands::AddResult EntryCommands::AddFile(const std::string& path, std::st
 }
 
 EntryCommands::AddResult EntryCommands::AddFileIndexed(const std::string& path, std::string& name,
-                                                       NameIndex& index) {
+                                                       NameIndex& index,
+                                                       std::optional<std::uint64_t>* appendAt) {
     EntryTable& table = editor_.table();
     Settings& settings = editor_.settings();
     Desktop& desktop = editor_.desktop();
@@ -137,6 +137,9 @@ EntryCommands::AddResult EntryCommands::AddFileIndexed(const std::string& path, 
             return AddResult::Skipped;
         }
         if (action == "replace") {
+            if (appendAt != nullptr) {
+                appendAt->reset(); // replacing may move data to the end
+            }
             FsError error = ReplaceEntry(path, row);
             if (error.empty()) {
                 return AddResult::Replaced;
@@ -175,7 +178,8 @@ EntryCommands::AddResult EntryCommands::AddFileIndexed(const std::string& path, 
     }
     const std::uint64_t size = FileLength(path).value_or(0);
     const std::uint64_t sectors = SectorsForFile(size);
-    const std::uint64_t offset = table.appendOffset();
+    const std::uint64_t offset =
+        appendAt != nullptr && appendAt->has_value() ? **appendAt : table.appendOffset();
     FsError error;
     if (offset / SectorSize > std::numeric_limits<std::uint32_t>::max() ||
         sectors > std::numeric_limits<std::uint32_t>::max()) {
@@ -215,7 +219,13 @@ EntryCommands::AddResult EntryCommands::AddFileIndexed(const std::string& path, 
     const std::size_t row = table.append(Entry{static_cast<std::uint32_t>(offset / SectorSize),
                                                static_cast<std::uint32_t>(sectors), name, false});
     index.appended(row);
-    editor_.FindHighestOffset();
+    if (appendAt != nullptr) {
+        // The new row lies behind every other, so the next one goes right
+        // after it; the batch finds the highest offset once at its end.
+        *appendAt = offset + sectors * SectorSize;
+    } else {
+        editor_.FindHighestOffset();
+    }
     desktop.SetStats(editor_.text("stats1") + " " + std::to_string(table.size()));
     return AddResult::Added;
 }
@@ -223,6 +233,7 @@ EntryCommands::AddResult EntryCommands::AddFileIndexed(const std::string& path, 
 std::size_t EntryCommands::AddFileBatch(const std::vector<std::string>& paths, bool fromDialog) {
     Desktop& desktop = editor_.desktop();
     NameIndex index(editor_.table());
+    std::optional<std::uint64_t> appendAt;
     std::size_t failed = 0;
     const auto addOne = [&](const std::string& path) {
         const auto converted = Utf8ToCp1252(fs::path(path).filename().string());
@@ -233,7 +244,7 @@ std::size_t EntryCommands::AddFileBatch(const std::vector<std::string>& paths, b
             return;
         }
         std::string name = *converted;
-        if (AddFileIndexed(path, name, index) == AddResult::Failed) {
+        if (AddFileIndexed(path, name, index, &appendAt) == AddResult::Failed) {
             ++failed;
         }
     };

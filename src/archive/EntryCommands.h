@@ -11,6 +11,7 @@
 #include "platform/FileSystem.h"
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,10 @@ namespace korvel {
 // name: empty, ".", "..", or holding "/", "\\" or NUL. Empty when the name is
 // safe, else a message that names the entry.
 std::string UnsafeNameProblem(const std::string& rawName);
+
+// A setting read the way a number is read from text: leading digits, else 0
+// (`scanPrompt` is "1" or "0", but the file is the person's to edit).
+long NumberSetting(const std::string& value);
 
 class EntryCommands {
 public:
@@ -41,7 +46,8 @@ public:
     bool ExtractEntry(std::size_t row, ExtractMode mode);
     std::string ChooseFolder();
     void ViewSelectedEntries();
-    void EnsureTempsFolder();
+    // Needs no archive: start-up runs it too.
+    static void EnsureTempsFolder();
     const std::string& pickedFolder() const { return pickedFolder_; }
 
     // --- replacing -----------------------------------------------------------
@@ -90,7 +96,11 @@ private:
     class NameIndex;
 
     std::size_t ExtractSelected(ExtractMode firstMode);
-    AddResult AddFileIndexed(const std::string& path, std::string& name, NameIndex& index);
+    // `appendAt`, in a batch, carries where the next file goes from one file
+    // to the next, so adding to a big archive costs no pass over its rows;
+    // nullptr for a single file.
+    AddResult AddFileIndexed(const std::string& path, std::string& name, NameIndex& index,
+                             std::optional<std::uint64_t>* appendAt = nullptr);
     bool DeleteSelected(const std::vector<Entry>& restoreOnFailure);
     bool ReplaceWithDialog(std::size_t row);
     void ReportAddFailure(const std::string& description, const std::string& name);

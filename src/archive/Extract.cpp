@@ -82,14 +82,16 @@ std::size_t EntryCommands::ExtractSelected(ExtractMode firstMode) {
     std::size_t k = 0;
     std::size_t failed = 0;
     std::size_t last = 0;
+    // Looked up once: every lookup reads the language file's identity.
+    const std::string extracting = editor_.text("extract1") + " ";
+    const std::string of = " " + editor_.text("adding2") + " " + std::to_string(n);
     for (std::size_t row = 0; row < table.size(); ++row) {
         if (!table[row].selected) {
             continue;
         }
         ++k;
         last = row;
-        desktop.SetStatus(editor_.text("extract1") + " " + std::to_string(k) + " " +
-                          editor_.text("adding2") + " " + std::to_string(n));
+        desktop.SetStatus(extracting + std::to_string(k) + of);
         // The folder is asked for once; later rows follow it through lastExtract.
         const ExtractMode mode = k == 1 ? firstMode : ExtractMode::Quick;
         if (!ExtractEntry(row, mode)) {

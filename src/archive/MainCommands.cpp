@@ -1,5 +1,7 @@
 #include "archive/MainCommands.h"
 
+#include "archive/EntryCommands.h"
+#include "archive/Marker.h"
 #include "archive/MenuTree.h"
 #include "archive/Names.h"
 #include "platform/Folders.h"
@@ -20,36 +22,30 @@ std::string LastFourLower(std::string_view name) {
 
 struct TypeSelection {
     std::string_view item;
-    std::string_view ending; // empty: everything that is none of the four types
+    NameKind kind;
     std::string_view textKey;
 };
 
 constexpr std::array<TypeSelection, 5> TypeSelections = {{
-    {"SelectModels", ".dff", "select7"},
-    {"SelectTextures", ".txd", "select8"},
-    {"SelectAni", ".ifp", "select10"},
-    {"SelectCols", ".col", "select9"},
-    {"SelectAllOther", "", "select6"},
+    {"SelectModels", NameKind::Models, "select7"},
+    {"SelectTextures", NameKind::Textures, "select8"},
+    {"SelectAni", NameKind::Animations, "select10"},
+    {"SelectCols", NameKind::Collisions, "select9"},
+    {"SelectAllOther", NameKind::Others, "select6"},
 }};
 
-bool IsOtherName(const std::string& name) {
-    const std::string ending = LastFourLower(name);
-    for (const TypeSelection& type : TypeSelections) {
-        if (!type.ending.empty() && ending == type.ending) {
-            return false;
-        }
-    }
-    return name != MarkerName;
-}
-
-// The temps folder holds copies of entries for viewing; it must exist before
-// the first view.
-void EnsureTempsFolder() {
-    std::error_code ignored;
-    fs::create_directories(TempsFolder(), ignored);
-}
+constexpr std::array<std::string_view, 4> KnownEndings = {".dff", ".txd", ".ifp", ".col"};
 
 } // namespace
+
+bool IsNameOfKind(NameKind kind, std::string_view name) {
+    const std::string ending = LastFourLower(name);
+    if (kind != NameKind::Others) {
+        return ending == KnownEndings[static_cast<std::size_t>(kind)];
+    }
+    return std::find(KnownEndings.begin(), KnownEndings.end(), ending) == KnownEndings.end() &&
+           name != MarkerName;
+}
 
 std::string CommandLineFromArguments(const std::vector<std::string>& arguments) {
     std::string line;
@@ -82,8 +78,10 @@ MainCommands::MainCommands(Editor& editor, ListAppearance& list) : editor_(edito
 void MainCommands::Startup(const std::string& commandLine) {
     std::string line = commandLine;
     std::erase(line, '"');
-    EnsureTempsFolder();
-    // The marker file is written here once the marker command exists.
+    EntryCommands::EnsureTempsFolder();
+    // Rewritten at each start so the marker carries the current language;
+    // a folder that cannot be written only costs the marker command.
+    (void)WriteMarkerFile(editor_.settings());
     editor_.settings().EnsureSettingsFile();
     AddListColumnHeaders();
     editor_.LoadRecentMenu();
@@ -275,8 +273,7 @@ void MainCommands::SelectByType(std::string_view item) {
     bool found = false;
     for (std::size_t row = 0; row < table.size(); ++row) {
         const std::string& name = table[row].name;
-        chosen[row] =
-            type->ending.empty() ? IsOtherName(name) : LastFourLower(name) == type->ending;
+        chosen[row] = IsNameOfKind(type->kind, name);
         found = found || chosen[row];
     }
     table.setSelection(chosen);

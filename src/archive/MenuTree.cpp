@@ -1,5 +1,7 @@
 #include "archive/MenuTree.h"
 
+#include "desktop/FileAssociation.h"
+
 namespace korvel {
 namespace {
 
@@ -97,7 +99,7 @@ std::vector<MenuNode> BuildTree() {
              Check("OptRebuildPrompt", "Rebuild prompt on close", "menud6"), Gap("sexySpacerNo5"),
              Item("OptAss", "Associate with IMG files", "menud7")}),
         Sub("MenuHelp", "Help", "menue0",
-            {Item("HelpHome", "korvel.example.org", {}),
+            {Item("HelpHome", std::string(HomePageCaption), {}),
              Item("HelpCheckWeb", "Updates / Languages", "menue1"), Gap("drfsdfsdf"),
              Item("HelpHelp", "Readme / Help   ", "menue2", "F12"),
              Item("HelpAbout", "About", "menue3")}),

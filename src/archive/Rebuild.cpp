@@ -152,10 +152,17 @@ bool EntryCommands::Rebuild() {
         if (!error.empty()) {
             return fail(error);
         }
+        std::uint64_t total = 0;
+        for (const Entry& entry : table.rows()) {
+            total += entry.byteCount();
+        }
+        out.reserve(total);
+        // Looked up once: every lookup reads the language file's identity.
+        const std::string copying = editor_.text("rebuild3") + " ";
         const std::string of = " " + editor_.text("adding2") + " " + std::to_string(table.size());
         std::uint64_t running = 0; // in sectors
         for (std::size_t i = 0; i < table.size(); ++i) {
-            desktop.SetStatus(editor_.text("rebuild3") + " " + std::to_string(i + 1) + of);
+            desktop.SetStatus(copying + std::to_string(i + 1) + of);
             const Entry& entry = table[i];
             if (running > std::numeric_limits<std::uint32_t>::max()) {
                 return fail("the rebuilt archive would be larger than an archive can address");

@@ -61,5 +61,6 @@ void AddArchiveVerbs(VerbTable& verbs); // list, new
 // extract, add, replace, rename, lowercase, delete, move-to-end, rebuild
 void AddEntryVerbs(VerbTable& verbs);
 void AddFindVerbs(VerbTable& verbs); // find, find-in, check, report
+void AddToolVerbs(VerbTable& verbs); // quick-replace, marker
 
 } // namespace korvel::cli

@@ -39,6 +39,7 @@ const VerbTable& Verbs() {
         AddArchiveVerbs(table);
         AddEntryVerbs(table);
         AddFindVerbs(table);
+        AddToolVerbs(table);
         return table;
     }();
     return verbs;

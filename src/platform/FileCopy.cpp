@@ -189,6 +189,16 @@ FsError File::truncate(std::uint64_t length) {
     return ::ftruncate(fd_, static_cast<off_t>(length)) == 0 ? FsError{} : LastError();
 }
 
+void File::reserve(std::uint64_t length) {
+#ifdef __linux__
+    if (length > 0) {
+        (void)::fallocate(fd_, FALLOC_FL_KEEP_SIZE, 0, static_cast<off_t>(length));
+    }
+#else
+    (void)length;
+#endif
+}
+
 FsError File::sync() {
     return ::fsync(fd_) == 0 ? FsError{} : LastError();
 }

@@ -34,6 +34,9 @@ public:
 
     FsError length(std::uint64_t& out) const;
     FsError truncate(std::uint64_t length);
+    // Asks the file system for `length` bytes in one piece up front, so a file
+    // written in many small copies still lies in few extents. Best effort.
+    void reserve(std::uint64_t length);
     // Flushes data and metadata to the disk.
     FsError sync();
     FsError writeAt(std::uint64_t offset, std::string_view bytes);

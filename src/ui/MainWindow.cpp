@@ -5,6 +5,7 @@
 #include "ui/AboutBox.h"
 #include "ui/ArchiveView.h"
 #include "ui/EntryModel.h"
+#include "ui/ToolWindows.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -39,7 +40,7 @@ QString Caption(const std::string& text) {
 
 MainWindow::MainWindow(Settings& settings, QWidget* parent)
     : QMainWindow(parent), desktop_(this), editor_(desktop_, settings, EditorFolder()),
-      commands_(editor_, *this) {
+      commands_(editor_, *this), dialogs_(settings, this), entries_(editor_, dialogs_) {
     setObjectName(QStringLiteral("Main"));
     setWindowTitle(QStringLiteral(" Korvel"));
 
@@ -79,6 +80,8 @@ MainWindow::MainWindow(Settings& settings, QWidget* parent)
 
     buildMenus();
     registerCommands();
+    registerEntryCommands();
+    new ToolWindows(*this); // plugs in its commands; a child of the window
     editor_.menu().setObserver(
         [this](const std::string& name, const MenuItemState& state) { mirror(name, state); });
     ForEachMenuNode(MainMenuTree(), [this](const MenuNode& node) {
@@ -88,8 +91,12 @@ MainWindow::MainWindow(Settings& settings, QWidget* parent)
     connect(view_, &ArchiveView::viewRequested, this, [this] { runCommand("EditView"); });
     connect(view_, &ArchiveView::popupRequested, this,
             [this](const QPoint& at) { menus_.value("MenuEdit")->popup(at); });
-    connect(view_, &ArchiveView::filesDropped, this, [](const QStringList&) {
-        // Dropped files are added to the archive once adding exists.
+    connect(view_, &ArchiveView::filesDropped, this, [this](const QStringList& paths) {
+        std::vector<std::string> files;
+        for (const QString& path : paths) {
+            files.push_back(path.toStdString());
+        }
+        entries_.AddFileBatch(files);
     });
 
     resize(420, 560);
@@ -217,9 +224,27 @@ void MainWindow::registerCommands() {
         setCommand(Q(LanguageSlotName(slot)), [&c, slot] { c.SwitchLanguage(slot); });
     }
     setCommand("HelpAbout", [this] { showAbout(); });
-    // The remaining items (EditView, EditAdd, EditExtract, ComRebuild, the find
-    // windows, the reports, OptAss, the Help links ...) get their commands
+    // The remaining items (the find windows, the reports, OptAss, the Help
+    // links ...) get their commands
     // through setCommand as those features land; until then they do nothing.
+}
+
+void MainWindow::registerEntryCommands() {
+    EntryCommands& c = entries_;
+    setCommand("EditView", [&c] { c.ViewSelectedEntries(); });
+    setCommand("EditExtract", [&c] { c.EditExtract(); });
+    setCommand("EditQuick", [&c] { c.EditQuick(); });
+    setCommand("EditAdd", [&c] { c.EditAdd(); });
+    setCommand("ComReplace", [&c] { c.ComReplace(); });
+    setCommand("ComRename", [&c] { c.ComRename(); });
+    setCommand("EditLowCaseName", [&c] { c.EditLowCaseName(); });
+    setCommand("EditLowCase", [&c] { c.EditLowCase(); });
+    setCommand("ConvLFName", [&c] { c.ConvLFName(); });
+    setCommand("ComDel", [&c] { c.ComDel(); });
+    setCommand("ComMove", [&c] { c.ComMove(); });
+    setCommand("ComRebuild", [&c] { c.ComRebuild(); });
+    setCommand("AddingScan", [&c] { c.AddingScan(); });
+    setCommand("ScanSettings", [this] { dialogs_.ShowScanSettings(); });
 }
 
 void MainWindow::showAbout() {

@@ -5,8 +5,10 @@
 #pragma once
 
 #include "archive/Editor.h"
+#include "archive/EntryCommands.h"
 #include "archive/MainCommands.h"
 #include "ui/QtDesktop.h"
+#include "ui/QtEntryDialogs.h"
 
 #include <QHash>
 #include <QMainWindow>
@@ -47,6 +49,8 @@ public:
     QMenu* menu(const QString& name) const { return menus_.value(name); }
     Editor& editor() { return editor_; }
     MainCommands& commands() { return commands_; }
+    EntryCommands& entryCommands() { return entries_; }
+    QtEntryDialogs& entryDialogs() { return dialogs_; }
     QtDesktop& desktop() { return desktop_; }
     ArchiveView* archiveView() const { return view_; }
     EntryModel* model() const { return model_; }
@@ -67,6 +71,7 @@ private:
     void buildMenus();
     void addMenuItems(QMenu* menu, const std::vector<MenuNode>& nodes);
     void registerCommands();
+    void registerEntryCommands();
     void mirror(const std::string& name, const MenuItemState& state);
     void mirrorChecks();
     void showAbout();
@@ -76,6 +81,8 @@ private:
     QtDesktop desktop_;
     Editor editor_;
     MainCommands commands_;
+    QtEntryDialogs dialogs_;
+    EntryCommands entries_;
     ArchiveView* view_ = nullptr;
     EntryModel* model_ = nullptr;
     QLabel* panel1_ = nullptr;

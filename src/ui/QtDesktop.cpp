@@ -61,6 +61,12 @@ void QtDesktop::attachStatusBar(QStatusBar* bar, QLabel* panel1, QLabel* panel2,
     progress_ = progress;
 }
 
+QProgressBar* QtDesktop::swapProgressBar(QProgressBar* progress) {
+    QProgressBar* previous = progress_;
+    progress_ = progress;
+    return previous;
+}
+
 void QtDesktop::ShowMessage(const std::string& text, const std::string& title, MessageIcon icon) {
     QMessageBox box(BoxIcon(icon), TitleOr(title), Q(text), QMessageBox::Ok, owner_);
     box.setObjectName(QStringLiteral("message"));

@@ -22,6 +22,9 @@ public:
     ~QtDesktop() override;
 
     void attachStatusBar(QStatusBar* bar, QLabel* panel1, QLabel* panel2, QProgressBar* progress);
+    // A tool window with a progress bar of its own lends it for one command;
+    // returns the bar it replaces, to be handed back afterwards.
+    QProgressBar* swapProgressBar(QProgressBar* progress);
 
     void ShowMessage(const std::string& text, const std::string& title, MessageIcon icon) override;
     bool AskYesNo(const std::string& text, const std::string& title) override;

@@ -1,0 +1,62 @@
+// The show-me lists (`showTheseFiles`): the entries of one kind with their
+// row numbers in the main list, taken when the list is filled. The window
+// shows what ShowMeList gives and saves what ShowMeLines gives.
+#pragma once
+
+#include "archive/Editor.h"
+#include "archive/MainCommands.h"
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace korvel {
+
+struct ShowMeFamily {
+    std::string_view item; // ShowMeModels ...
+    NameKind kind;
+    std::string_view titleKey;
+};
+
+inline constexpr std::array<ShowMeFamily, 5> ShowMeFamilies = {{
+    {"ShowMeModels", NameKind::Models, "show3"},
+    {"ShowMeTextures", NameKind::Textures, "show4"},
+    {"ShowMeAni", NameKind::Animations, "show1"},
+    {"ShowMeCol", NameKind::Collisions, "show2"},
+    {"ShowMeOthers", NameKind::Others, "show5"},
+}};
+
+struct ShowMeRow {
+    std::string name;      // raw Windows-1252 bytes
+    std::size_t number;    // 1-based row of the main list
+    std::string_view icon; // "blue", "orange", "green", "grey" or "none"
+};
+
+struct ShowMeList {
+    std::string title; // " ", text(titleKey), count, "]"
+    std::vector<ShowMeRow> rows;
+    // Shown as one row of text(`sd2`) with the "none" icon and no number.
+    bool placeholder() const { return rows.empty(); }
+};
+
+// Nothing when `item` is not one of the five commands.
+std::optional<ShowMeList> BuildShowMeList(const Editor& editor, std::string_view item);
+
+// The lines `saveList` writes (Windows-1252): every name, or the placeholder
+// text alone for an empty list.
+std::vector<std::string> ShowMeLines(const Editor& editor, const ShowMeList& list);
+
+// saveList: asks for a file and writes the lines, each ended by CR LF.
+// Returns true when a file was written.
+bool SaveShowMeList(Editor& editor, const ShowMeList& list);
+
+// Highlighting: clears the main list's selection and selects the rows with
+// the given 1-based numbers; numbers past the end of the table are skipped.
+// Returns the 0-based row to scroll to, when any was selected.
+std::optional<std::size_t> HighlightShowMeRows(EntryTable& table,
+                                               const std::vector<std::size_t>& numbers);
+
+} // namespace korvel

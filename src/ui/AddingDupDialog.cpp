@@ -1,0 +1,128 @@
+#include "ui/AddingDupDialog.h"
+
+#include "archive/EntryCommands.h"
+#include "settings/Settings.h"
+
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+namespace korvel::ui {
+namespace {
+
+struct DupOption {
+    const char* control;
+    const char* action; // the value of addingOpt
+    const char* textKey;
+    const char* builtIn;
+};
+
+// In the order Ok looks at them: the first one selected decides.
+constexpr std::array<DupOption, 4> Options = {{
+    {"Option0", "replace", "dup3", "Replace old file with new file"},
+    {"Option1", "renameOld", "dup4", "Rename the old file"},
+    {"Option2", "renameNew", "dup5", "Rename the new file"},
+    {"Option3", "skip", "dup6", "Dont add this file"},
+}};
+
+QLabel* NamedLabel(const char* name, const char* builtIn, QWidget* parent) {
+    auto* label = new QLabel(QString::fromLatin1(builtIn), parent);
+    label->setObjectName(QString::fromLatin1(name));
+    return label;
+}
+
+} // namespace
+
+AddingDupDialog::AddingDupDialog(Settings& settings, QWidget* parent)
+    : QDialog(parent), settings_(settings) {
+    setObjectName(QStringLiteral("addingDup"));
+    setWindowTitle(QStringLiteral(" Duplicate file found"));
+    label1_ =
+        NamedLabel("Label1", "A duplicate of the file your adding to the archive was found.", this);
+    label1_->setWordWrap(true);
+    label2_ = NamedLabel("Label2", "What would you like to do?", this);
+    label3_ = NamedLabel("Label3", "Conflicting file:", this);
+    label4_ = NamedLabel("Label4", "X", this);
+    label4_->setTextFormat(Qt::PlainText);
+    QFont bold = label4_->font();
+    bold.setBold(true);
+    label4_->setFont(bold);
+
+    group_ = new QButtonGroup(this);
+    for (std::size_t i = 0; i < Options.size(); ++i) {
+        auto* option = new QRadioButton(QString::fromLatin1(Options[i].builtIn), this);
+        option->setObjectName(QString::fromLatin1(Options[i].control));
+        group_->addButton(option);
+        options_[i] = option;
+    }
+    dontPrompt_ = new QCheckBox(QStringLiteral("Dont prompt again just do this"), this);
+    dontPrompt_->setObjectName(QStringLiteral("dontPrompt"));
+    connect(dontPrompt_, &QCheckBox::clicked, this, &AddingDupDialog::dontPromptClicked);
+    doThis_ = new QPushButton(QStringLiteral("Ok"), this);
+    doThis_->setObjectName(QStringLiteral("doThis"));
+    doThis_->setDefault(true);
+    connect(doThis_, &QPushButton::clicked, this, &AddingDupDialog::doThisClicked);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(label1_);
+    layout->addWidget(label2_);
+    auto* conflict = new QHBoxLayout;
+    conflict->addWidget(label3_);
+    conflict->addWidget(label4_, 1);
+    layout->addLayout(conflict);
+    for (QRadioButton* option : options_) {
+        layout->addWidget(option);
+    }
+    layout->addSpacing(6);
+    auto* bottom = new QHBoxLayout;
+    bottom->addWidget(dontPrompt_, 1);
+    bottom->addWidget(doThis_);
+    layout->addLayout(bottom);
+    setMinimumWidth(380);
+}
+
+void AddingDupDialog::load(const QString& conflictingName) {
+    const auto text = [this](const char* key) {
+        return QString::fromStdString(settings_.LookupText(key));
+    };
+    setWindowTitle(QStringLiteral(" ") + text("dup0"));
+    label1_->setText(text("dup1"));
+    label2_->setText(text("dup2"));
+    label3_->setText(text("dup7"));
+    dontPrompt_->setText(text("dup8"));
+    // With an unknown addingOpt no option is selected, and Ok then does
+    // nothing until one is picked.
+    const std::string action = settings_.ReadSetting("addingOpt");
+    group_->setExclusive(false);
+    for (std::size_t i = 0; i < Options.size(); ++i) {
+        options_[i]->setText(text(Options[i].textKey));
+        options_[i]->setChecked(action == Options[i].action);
+    }
+    group_->setExclusive(true);
+    dontPrompt_->setChecked(NumberSetting(settings_.ReadSetting("scanPrompt")) == 1);
+    label4_->setText(conflictingName);
+    // Opened as the settings window there is no conflicting file to show.
+    label3_->setVisible(!conflictingName.isEmpty());
+    label4_->setVisible(!conflictingName.isEmpty());
+    adjustSize();
+}
+
+void AddingDupDialog::dontPromptClicked(bool checked) {
+    settings_.WriteSetting(checked ? "1" : "0", "scanPrompt");
+}
+
+void AddingDupDialog::doThisClicked() {
+    for (std::size_t i = 0; i < Options.size(); ++i) {
+        if (options_[i]->isChecked()) {
+            settings_.WriteSetting(Options[i].action, "addingOpt");
+            accept();
+            return;
+        }
+    }
+}
+
+} // namespace korvel::ui
