@@ -5,6 +5,7 @@
 #include "ui/AboutBox.h"
 #include "ui/ArchiveView.h"
 #include "ui/EntryModel.h"
+#include "ui/SearchCommands.h"
 #include "ui/ToolWindows.h"
 
 #include <QAction>
@@ -82,6 +83,7 @@ MainWindow::MainWindow(Settings& settings, QWidget* parent)
     registerCommands();
     registerEntryCommands();
     new ToolWindows(*this); // plugs in its commands; a child of the window
+    new SearchCommands(*this);
     editor_.menu().setObserver(
         [this](const std::string& name, const MenuItemState& state) { mirror(name, state); });
     ForEachMenuNode(MainMenuTree(), [this](const MenuNode& node) {

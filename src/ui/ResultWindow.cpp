@@ -1,0 +1,219 @@
+#include "ui/ResultWindow.h"
+
+#include "search/Results.h"
+#include "ui/ArchiveView.h"
+#include "ui/EntryModel.h"
+#include "ui/MainWindow.h"
+
+#include <QAction>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
+#include <QTimer>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+#include <cmath>
+
+namespace korvel::ui {
+namespace {
+
+QString Q(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+} // namespace
+
+void HighlightInMainList(MainWindow& main, const std::vector<std::size_t>& rows) {
+    main.commands().ClearSelection();
+    if (const auto last = SelectFoundRows(main.editor().table(), rows)) {
+        main.archiveView()->scrollTo(main.model()->index(static_cast<int>(*last), 0));
+    }
+    main.activateWindow();
+}
+
+void HighlightAndRun(MainWindow& main, const std::vector<std::size_t>& rows,
+                     const QString& command) {
+    HighlightInMainList(main, rows);
+    main.runCommand(command);
+}
+
+ResultWindow::ResultWindow(MainWindow& main, const ResultWindowLayout& layout)
+    : QWidget(&main, Qt::Window), main_(main), guardEveryItem_(layout.guardEveryItem) {
+    setObjectName(QString::fromLatin1(layout.form));
+    // Closing discards the window; the next opening builds it afresh.
+    setAttribute(Qt::WA_DeleteOnClose);
+    Editor& editor = main_.editor();
+    const auto text = [&editor](const char* key) { return Q(editor.text(key)); };
+    setWindowTitle(QStringLiteral(" ") + text(layout.titleKey));
+
+    auto* label1 = new QLabel(text("find1"), this);
+    label1->setObjectName(QStringLiteral("Label1"));
+    searchText_ = new QLineEdit(Q(editor.settings().ReadSetting(layout.lastTextKey)), this);
+    searchText_->setObjectName(QStringLiteral("searchText"));
+    searchText_->installEventFilter(this);
+    label1->setBuddy(searchText_);
+    findIt_ = new QPushButton(text("sd9"), this);
+    findIt_->setObjectName(QStringLiteral("findIt"));
+    findIt_->setEnabled(!searchText_->text().isEmpty());
+
+    frame_ = new QGroupBox(text("find2"), this);
+    frame_->setObjectName(QStringLiteral("Frame1"));
+    new QVBoxLayout(frame_);
+
+    results_ = new QTreeWidget(this);
+    results_->setObjectName(QStringLiteral("searchResults"));
+    results_->setRootIsDecorated(false);
+    results_->setUniformRowHeights(true);
+    results_->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    results_->setContextMenuPolicy(Qt::CustomContextMenu);
+    results_->installEventFilter(this);
+    QStringList headers;
+    for (const auto& [key, width] : layout.columns) {
+        headers << text(key);
+    }
+    results_->setHeaderLabels(headers);
+    for (std::size_t i = 0; i < layout.columns.size(); ++i) {
+        results_->setColumnWidth(static_cast<int>(i), twips(layout.columns[i].second));
+    }
+    results_->setFixedWidth(twips(layout.listWidthTwips));
+
+    count_ = new QLabel(text("find5"), this);
+    count_->setObjectName(QStringLiteral("Label2"));
+    auto* save = new QPushButton(text("find3"), this);
+    save->setObjectName(QString::fromLatin1(layout.saveButton));
+    auto* close = new QPushButton(text("find4"), this);
+    close->setObjectName(QStringLiteral("closeSearch"));
+
+    options_ = new QMenu(this);
+    options_->setObjectName(QStringLiteral("options"));
+    std::array<QAction*, 6> items{};
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        if (i == 1 || i == 3) {
+            options_->addSeparator()->setObjectName(QString::fromLatin1(layout.gaps[i / 2]));
+        }
+        items[i] = options_->addAction(QString());
+        items[i]->setObjectName(QString::fromLatin1(layout.items[i]));
+    }
+    const std::array<const char*, 6> itemKeys{"sd10", "sd11", "sd12", "sd13", "menuc2", "menuc3"};
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        items[i]->setText(text(itemKeys[i]));
+    }
+
+    // Search box and button above, the list with the options and buttons
+    // beside it, the count below.
+    auto* grid = new QGridLayout(this);
+    const int margin = twips(120);
+    grid->setContentsMargins(margin, margin / 2, margin, margin / 2);
+    grid->addWidget(label1, 0, 0);
+    grid->addWidget(searchText_, 1, 0);
+    grid->addWidget(findIt_, 1, 1);
+    grid->addWidget(results_, 2, 0);
+    auto* side = new QVBoxLayout;
+    side->addWidget(frame_);
+    side->addStretch(1);
+    side->addWidget(save);
+    side->addWidget(close);
+    grid->addLayout(side, 2, 1);
+    bottom_ = new QHBoxLayout;
+    bottom_->addWidget(count_, 1);
+    grid->addLayout(bottom_, 3, 0, 1, 2);
+    grid->setRowStretch(2, 1);
+
+    connect(searchText_, &QLineEdit::textChanged, this,
+            [this](const QString& now) { findIt_->setEnabled(!now.isEmpty()); });
+    connect(searchText_, &QLineEdit::returnPressed, this, [this] { search(); });
+    connect(findIt_, &QPushButton::clicked, this, [this] { search(); });
+    connect(results_, &QTreeWidget::itemDoubleClicked, this, [this] { highlight(); });
+    connect(results_, &QWidget::customContextMenuRequested, this, [this](const QPoint& at) {
+        if (!results_->selectedItems().isEmpty()) {
+            options_->popup(results_->viewport()->mapToGlobal(at));
+        }
+    });
+    connect(items[0], &QAction::triggered, results_, &QTreeWidget::selectAll);
+    connect(items[1], &QAction::triggered, this, [this] { act(guardEveryItem_, {}, false); });
+    connect(items[2], &QAction::triggered, this, [this] { act(true, {}, true); });
+    connect(items[3], &QAction::triggered, this,
+            [this] { act(guardEveryItem_, QStringLiteral("EditView"), false); });
+    connect(items[4], &QAction::triggered, this,
+            [this] { act(true, QStringLiteral("EditExtract"), false); });
+    connect(items[5], &QAction::triggered, this,
+            [this] { act(true, QStringLiteral("EditQuick"), false); });
+    connect(save, &QPushButton::clicked, this, [this] { this->save(); });
+    connect(close, &QPushButton::clicked, this, &QWidget::close);
+}
+
+void ResultWindow::fitToContents() {
+    resize(sizeHint().width(), std::max(sizeHint().height(), twips(4600)));
+}
+
+int ResultWindow::twips(int value) const {
+    return static_cast<int>(std::lround(value * logicalDpiX() / 1440.0));
+}
+
+void ResultWindow::showResults(const std::vector<QStringList>& rows,
+                               std::vector<std::size_t> numbers) {
+    numbers_ = std::move(numbers);
+    results_->clear();
+    QList<QTreeWidgetItem*> items;
+    for (const QStringList& row : rows) {
+        items << new QTreeWidgetItem(row);
+    }
+    if (numbers_.empty()) {
+        items << new QTreeWidgetItem(QStringList{Q(main_.editor().text("sd2"))});
+    }
+    results_->addTopLevelItems(items);
+    count_->setText(Q(FoundCountText(main_.editor(), numbers_.size())));
+}
+
+void ResultWindow::highlight() {
+    if (!showsResults()) {
+        return;
+    }
+    std::vector<std::size_t> rows;
+    for (int i = 0; i < results_->topLevelItemCount(); ++i) {
+        if (results_->topLevelItem(i)->isSelected()) {
+            rows.push_back(numbers_[static_cast<std::size_t>(i)]);
+        }
+    }
+    HighlightInMainList(main_, rows);
+}
+
+void ResultWindow::act(bool guarded, const QString& command, bool closeAfter) {
+    if (guarded && !showsResults()) {
+        return;
+    }
+    // Deselecting comes first even for the placeholder, so an unguarded item
+    // then finds nothing selected to act on.
+    main_.commands().ClearSelection();
+    highlight();
+    if (!command.isEmpty()) {
+        main_.runCommand(command);
+    }
+    if (closeAfter) {
+        close();
+    }
+}
+
+bool ResultWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == searchText_ && event->type() == QEvent::FocusIn) {
+        // After the click that gave the focus has placed the cursor.
+        QTimer::singleShot(0, searchText_, &QLineEdit::selectAll);
+    }
+    if (watched == results_ && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            highlight();
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+} // namespace korvel::ui

@@ -1,0 +1,98 @@
+// What the two find windows share: the search box and its button, a frame of
+// options, the result list with its pop-up menu, the count, Save and Close.
+// Results carry the main list's row numbers of the time of the search; every
+// action selects those rows in the main list and runs the main window's own
+// commands, so the windows never touch the archive themselves.
+#pragma once
+
+#include <QWidget>
+
+#include <array>
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+class QGroupBox;
+class QHBoxLayout;
+class QLabel;
+class QLineEdit;
+class QMenu;
+class QPushButton;
+class QTreeWidget;
+
+namespace korvel::ui {
+
+class MainWindow;
+
+// Selects the given 1-based rows of the main list after ClearSelection,
+// scrolls to the last one selected and brings the main window up. A number
+// past the end (the list changed since) stops it there, quietly.
+void HighlightInMainList(MainWindow& main, const std::vector<std::size_t>& rows);
+// The same, then runs a main window command (EditView, EditExtract, EditQuick).
+void HighlightAndRun(MainWindow& main, const std::vector<std::size_t>& rows,
+                     const QString& command);
+
+// Where the two windows differ in names and sizes.
+struct ResultWindowLayout {
+    const char* form;
+    const char* titleKey;
+    const char* lastTextKey; // the setting that prefills the search box
+    const char* saveButton;
+    // Select all, select in the main list, the same and close, view,
+    // extract, quick extract; then the two separators.
+    std::array<const char*, 6> items;
+    std::array<const char*, 2> gaps;
+    // Find in files ignores every item while the list shows no results; the
+    // archive search only guards the items that would act on the main list's
+    // previous selection.
+    bool guardEveryItem;
+    std::vector<std::pair<const char*, int>> columns; // header key, width in twips
+    int listWidthTwips;
+};
+
+class ResultWindow : public QWidget {
+    Q_OBJECT
+public:
+    QLineEdit* searchText() const { return searchText_; }
+    QPushButton* findIt() const { return findIt_; }
+    QTreeWidget* results() const { return results_; }
+    QLabel* countLabel() const { return count_; }
+    QMenu* options() const { return options_; }
+
+    // Double click and Enter in the list: the selected results' rows.
+    void highlight();
+    // findIt, or Enter in the search box (also while findIt is disabled).
+    virtual void search() = 0;
+
+protected:
+    ResultWindow(MainWindow& main, const ResultWindowLayout& layout);
+
+    // Replaces the list: one row per result, or the placeholder row when
+    // `numbers` is empty; `numbers` are the results' main-list rows.
+    void showResults(const std::vector<QStringList>& rows, std::vector<std::size_t> numbers);
+    bool showsResults() const { return !numbers_.empty(); }
+    int twips(int value) const;
+    // Sizes the window once the options are in the frame.
+    void fitToContents();
+
+    virtual void save() = 0;
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+    MainWindow& main_;
+    QGroupBox* frame_;
+    QHBoxLayout* bottom_; // the count's row; find in files adds PB1 there
+
+private:
+    void act(bool guarded, const QString& command, bool closeAfter);
+
+    QLineEdit* searchText_;
+    QPushButton* findIt_;
+    QTreeWidget* results_;
+    QLabel* count_;
+    QMenu* options_;
+    bool guardEveryItem_;
+    std::vector<std::size_t> numbers_;
+};
+
+} // namespace korvel::ui

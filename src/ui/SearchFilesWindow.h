@@ -1,0 +1,35 @@
+// `searchFiles`: texture names inside the archive's texture dictionaries, or
+// model names inside its collision files, with the entry that holds each.
+#pragma once
+
+#include "search/FindInFiles.h"
+#include "ui/ResultWindow.h"
+
+#include <optional>
+#include <vector>
+
+class QProgressBar;
+class QRadioButton;
+
+namespace korvel::ui {
+
+class SearchFilesWindow : public ResultWindow {
+    Q_OBJECT
+public:
+    explicit SearchFilesWindow(MainWindow& main);
+
+    QRadioButton* textureMode() const { return textures_; }
+    QRadioButton* collisionMode() const { return collisions_; }
+    QProgressBar* progress() const { return progress_; }
+    void search() override;
+
+private:
+    void save() override;
+
+    QRadioButton* textures_;
+    QRadioButton* collisions_;
+    QProgressBar* progress_;
+    std::optional<std::vector<FoundInFile>> found_; // nothing before the first search
+};
+
+} // namespace korvel::ui

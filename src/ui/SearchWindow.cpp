@@ -1,0 +1,92 @@
+#include "ui/SearchWindow.h"
+
+#include "archive/Names.h"
+#include "ui/MainWindow.h"
+#include "ui/TypeIcons.h"
+
+#include <QGroupBox>
+#include <QLayout>
+#include <QLineEdit>
+#include <QRadioButton>
+#include <QTreeWidget>
+
+namespace korvel::ui {
+namespace {
+
+struct TypeOption {
+    const char* name;
+    const char* key;
+    FindType type;
+};
+
+constexpr std::array<TypeOption, 5> TypeOptions{{
+    {"searchAll", "files1", FindType::All},
+    {"searchTextures", "files3", FindType::Textures},
+    {"searchModels", "files2", FindType::Models},
+    {"searchAni", "files4", FindType::Animations},
+    {"searchCol", "files5", FindType::Collisions},
+}};
+
+const ResultWindowLayout Layout{
+    "search",
+    "find0",
+    "lastSearch",
+    "saveList",
+    {"SelectThem", "HighLightFiel", "HClose", "OpenFile", "extractFile", "QuickFile"},
+    {"rwerwe", "gap"},
+    false,
+    {{"sd17", 2000}, {"sd14", 700}},
+    3075,
+};
+
+QIcon IconOf(std::string_view name) {
+    return DrawTypeIcon(TypeIconColour(IconKey(TypeOfName(name))));
+}
+
+} // namespace
+
+SearchWindow::SearchWindow(MainWindow& main) : ResultWindow(main, Layout) {
+    for (std::size_t i = 0; i < TypeOptions.size(); ++i) {
+        types_[i] = new QRadioButton(
+            QString::fromStdString(main_.editor().text(TypeOptions[i].key)), frame_);
+        types_[i]->setObjectName(QString::fromLatin1(TypeOptions[i].name));
+        frame_->layout()->addWidget(types_[i]);
+    }
+    types_[0]->setChecked(true);
+    fitToContents();
+}
+
+FindType SearchWindow::type() const {
+    for (std::size_t i = 0; i < TypeOptions.size(); ++i) {
+        if (types_[i]->isChecked()) {
+            return TypeOptions[i].type;
+        }
+    }
+    return FindType::All;
+}
+
+void SearchWindow::search() {
+    found_ = SearchArchive(main_.editor(), searchText()->text().toStdString(), type());
+    std::vector<QStringList> rows;
+    std::vector<std::size_t> numbers;
+    for (const FoundEntry& entry : *found_) {
+        rows.push_back({QString::fromStdString(Cp1252ToUtf8(entry.name)),
+                        QString::number(static_cast<qulonglong>(entry.row))});
+        numbers.push_back(entry.row);
+    }
+    showResults(rows, std::move(numbers));
+    for (std::size_t i = 0; i < found_->size(); ++i) {
+        results()->topLevelItem(static_cast<int>(i))->setIcon(0, IconOf((*found_)[i].name));
+    }
+    if (found_->empty()) {
+        // The placeholder gets its ball by the same rule as the names.
+        results()->topLevelItem(0)->setIcon(0, IconOf(main_.editor().text("sd2")));
+    }
+    searchText()->selectAll();
+}
+
+void SearchWindow::save() {
+    SaveFoundNames(main_.editor(), found_);
+}
+
+} // namespace korvel::ui

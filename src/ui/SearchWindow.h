@@ -1,0 +1,30 @@
+// `search`: entries of the open archive whose names hold a piece of text,
+// optionally of one type, with their row numbers in the main list.
+#pragma once
+
+#include "search/FindInArchive.h"
+#include "ui/ResultWindow.h"
+
+#include <optional>
+#include <vector>
+
+class QRadioButton;
+
+namespace korvel::ui {
+
+class SearchWindow : public ResultWindow {
+    Q_OBJECT
+public:
+    explicit SearchWindow(MainWindow& main);
+
+    FindType type() const;
+    void search() override;
+
+private:
+    void save() override;
+
+    std::array<QRadioButton*, 5> types_{};
+    std::optional<std::vector<FoundEntry>> found_; // nothing before the first search
+};
+
+} // namespace korvel::ui
