@@ -3,6 +3,7 @@
 #include "archive/Format.h"
 #include "archive/Names.h"
 #include "platform/FileSystem.h"
+#include "platform/LocalTime.h"
 #include "reports/AnsiFile.h"
 
 #include <array>
@@ -36,19 +37,6 @@ std::string PadTo(std::string text, std::size_t width) {
         text.append(width - text.size(), ' ');
     }
     return text;
-}
-
-std::string FormatNow(const char* format) {
-    const std::time_t now = std::time(nullptr);
-    std::tm local{};
-#ifdef _WIN32
-    localtime_s(&local, &now);
-#else
-    localtime_r(&now, &local);
-#endif
-    char buffer[64] = {};
-    std::strftime(buffer, sizeof buffer, format, &local);
-    return buffer;
 }
 
 void SaveReport(Editor& editor, ReportKind kind) {
@@ -85,7 +73,7 @@ void SaveReport(Editor& editor, ReportKind kind) {
 } // namespace
 
 ReportFacts ReportFactsNow(std::uint64_t dataBytes) {
-    return {FormatNow("%x"), FormatNow("%X"), dataBytes};
+    return {LocalTimeText("%x"), LocalTimeText("%X"), dataBytes};
 }
 
 std::uint64_t ReportKilobytes(std::uint64_t bytes) {

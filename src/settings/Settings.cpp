@@ -2,11 +2,11 @@
 
 #include "archive/Names.h"
 #include "platform/FileSystem.h"
+#include "platform/LocalTime.h"
 #include "settings/IniFile.h"
 
 #include <array>
 #include <charconv>
-#include <ctime>
 #include <utility>
 
 namespace korvel {
@@ -38,19 +38,6 @@ std::string Label(std::string_view label, std::string_view value) {
     std::string line(label);
     line.resize(21, '.');
     return line + ": " + std::string(value);
-}
-
-std::string FormatNow(const char* format) {
-    const std::time_t now = std::time(nullptr);
-    std::tm local{};
-#ifdef _WIN32
-    localtime_s(&local, &now);
-#else
-    localtime_r(&now, &local);
-#endif
-    char buffer[64] = {};
-    std::strftime(buffer, sizeof buffer, format, &local);
-    return buffer;
 }
 
 } // namespace
@@ -159,7 +146,7 @@ void Settings::WriteDefaultSettings() {
         return;
     }
     std::string content;
-    for (const std::string& line : DefaultFileLines(FormatNow("%x"), FormatNow("%X"))) {
+    for (const std::string& line : DefaultFileLines(LocalTimeText("%x"), LocalTimeText("%X"))) {
         content += line;
         content += "\r\n";
     }
