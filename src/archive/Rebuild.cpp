@@ -160,22 +160,22 @@ bool EntryCommands::Rebuild() {
         // Looked up once: every lookup reads the language file's identity.
         const std::string copying = editor_.text("rebuild3") + " ";
         const std::string of = " " + editor_.text("adding2") + " " + std::to_string(table.size());
+        std::vector<CopySpan> spans;
+        spans.reserve(table.size());
         std::uint64_t running = 0; // in sectors
-        for (std::size_t i = 0; i < table.size(); ++i) {
-            desktop.SetStatus(copying + std::to_string(i + 1) + of);
-            const Entry& entry = table[i];
+        for (const Entry& entry : table.rows()) {
             if (running > std::numeric_limits<std::uint32_t>::max()) {
                 return fail("the rebuilt archive would be larger than an archive can address");
             }
-            if (entry.sizeSectors != 0) {
-                error =
-                    CopyRange(in, entry.byteOffset(), out, running * SectorSize, entry.byteCount());
-                if (!error.empty()) {
-                    return fail(error);
-                }
-            }
+            spans.push_back({entry.byteOffset(), entry.byteCount()});
             records.push_back({static_cast<std::uint32_t>(running), entry.sizeSectors, entry.name});
             running += entry.sizeSectors;
+        }
+        error = CopySpansInOrder(in, out, 0, spans, [&](std::size_t i) {
+            desktop.SetStatus(copying + std::to_string(i + 1) + of);
+        });
+        if (!error.empty()) {
+            return fail(error);
         }
         if (error = Step("rebuild-data-written"); error.empty()) {
             error = out.sync();

@@ -207,6 +207,56 @@ FsError File::writeAt(std::uint64_t offset, std::string_view bytes) {
     return WriteAllAt(fd_, offset, bytes.data(), bytes.size());
 }
 
+FsError File::readAt(std::uint64_t offset, char* data, std::size_t size, std::size_t& got) const {
+    return ReadAt(fd_, offset, data, size, got);
+}
+
+FsError CopySpansInOrder(const File& in, File& out, std::uint64_t outOffset,
+                         const std::vector<CopySpan>& spans,
+                         const std::function<void(std::size_t)>& progress) {
+    std::string pending; // output not yet written, at most SpanWindow bytes
+    pending.reserve(static_cast<std::size_t>(SpanWindow));
+    std::uint64_t pendingStart = outOffset;
+    const auto flush = [&]() -> FsError {
+        FsError error = out.writeAt(pendingStart, pending);
+        pendingStart += pending.size();
+        pending.clear();
+        return error;
+    };
+    for (std::size_t i = 0; i < spans.size(); ++i) {
+        progress(i);
+        const CopySpan& span = spans[i];
+        if (FsError error = Step("copy"); !error.empty()) {
+            return error;
+        }
+        if (pending.size() + span.count > SpanWindow) {
+            if (FsError error = flush(); !error.empty()) {
+                return error;
+            }
+        }
+        if (span.count > SpanWindow) {
+            // Larger than the buffer: the kernel copies it directly.
+            if (FsError error = CopyRange(in, span.inOffset, out, pendingStart, span.count);
+                !error.empty()) {
+                return error;
+            }
+            pendingStart += span.count;
+            continue;
+        }
+        // Read straight into the output buffer; past the end of the file the
+        // zeros of the resize stay.
+        const std::size_t at = pending.size();
+        pending.resize(at + static_cast<std::size_t>(span.count), '\0');
+        std::size_t got = 0;
+        if (FsError error = in.readAt(span.inOffset, pending.data() + at,
+                                      static_cast<std::size_t>(span.count), got);
+            !error.empty()) {
+            return error;
+        }
+    }
+    return flush();
+}
+
 FsError WriteZeros(File& out, std::uint64_t offset, std::uint64_t count) {
     static const std::array<char, ZeroBlockSize> zeros{};
     while (count > 0) {

@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <functional>
 #include <string_view>
+#include <vector>
 
 namespace korvel {
 
@@ -40,6 +41,8 @@ public:
     // Flushes data and metadata to the disk.
     FsError sync();
     FsError writeAt(std::uint64_t offset, std::string_view bytes);
+    // Reads up to `size` bytes; `got` is less only at the end of the file.
+    FsError readAt(std::uint64_t offset, char* data, std::size_t size, std::size_t& got) const;
 
 private:
     int fd_ = -1;
@@ -50,6 +53,23 @@ private:
 // holds exactly `count` bytes at the destination.
 FsError CopyRange(const File& in, std::uint64_t inOffset, File& out, std::uint64_t outOffset,
                   std::uint64_t count);
+
+// One range of the source for CopySpansInOrder.
+struct CopySpan {
+    std::uint64_t inOffset = 0;
+    std::uint64_t count = 0;
+};
+
+// Copies the spans one after another to `out`, starting at `outOffset`, and
+// calls `progress(i)` before span i. Small spans are read straight into one
+// fixed output buffer that is written in large blocks, so thousands of small
+// entries cost one read each and a few hundred writes, instead of one kernel
+// copy each (whose set-up cost dominates for small entries). Spans larger
+// than the buffer go through CopyRange. Bytes past the end of `in` are zeros.
+inline constexpr std::uint64_t SpanWindow = 8u << 20;
+FsError CopySpansInOrder(const File& in, File& out, std::uint64_t outOffset,
+                         const std::vector<CopySpan>& spans,
+                         const std::function<void(std::size_t)>& progress);
 
 // Writes `count` zero bytes at `offset`, through a small fixed block.
 FsError WriteZeros(File& out, std::uint64_t offset, std::uint64_t count);
