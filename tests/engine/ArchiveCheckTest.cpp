@@ -1,6 +1,5 @@
 #include "archive/ArchiveCheck.h"
-#include "ScriptedDesktop.h"
-#include "TestFolder.h"
+#include "EditorHarness.h"
 
 #include <gtest/gtest.h>
 
@@ -9,30 +8,15 @@
 namespace korvel {
 namespace {
 
-using test::ScriptedDesktop;
-
-class ArchiveCheckTest : public ::testing::Test {
+class ArchiveCheckTest : public test::EditorHarness {
 protected:
-    ArchiveCheckTest()
-        : settings(folder / "korvel.ini", folder / "lang.ini"),
-          editor(desktop, settings, folder.path()) {
-        settings.EnsureSettingsFile();
-    }
     void open(const std::vector<std::string>& names) {
         std::vector<DirRecord> records;
         for (std::uint32_t i = 0; i < names.size(); ++i) {
             records.push_back({i, 1, names[i]});
         }
-        test::WriteArchive(folder / "check.img", records, names.size() * SectorSize);
-        ASSERT_TRUE(editor.OpenArchive((folder / "check.img").string()));
-        desktop.conversation.clear();
+        openArchive("check.img", records, names.size() * SectorSize);
     }
-    std::string text(const char* key) const { return settings.LookupText(key); }
-
-    test::TestFolder folder;
-    ScriptedDesktop desktop;
-    Settings settings;
-    Editor editor;
 };
 
 TEST_F(ArchiveCheckTest, ListsEveryPairAtItsEarlierRowAndCopiesTheReport) {

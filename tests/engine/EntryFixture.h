@@ -3,9 +3,8 @@
 // archives and input files and to read the pair back.
 #pragma once
 
-#include "ScriptedDesktop.h"
+#include "EditorHarness.h"
 #include "ScriptedEntryDialogs.h"
-#include "TestFolder.h"
 #include "archive/EntryCommands.h"
 #include "platform/FileCopy.h"
 
@@ -19,20 +18,14 @@ inline bool operator==(const DirRecord& a, const DirRecord& b) {
 
 namespace korvel::test {
 
-class EntryFixture : public ::testing::Test {
+class EntryFixture : public EditorHarness {
 protected:
-    EntryFixture()
-        : settings(folder / "korvel.ini", folder / "lang.ini"),
-          editor(desktop, settings, folder.path()), dialogs(settings), commands(editor, dialogs) {
-        settings.EnsureSettingsFile();
-    }
+    EntryFixture() : dialogs(settings), commands(editor, dialogs) {}
     ~EntryFixture() override { SetStepHook({}); }
 
     // Writes "a.img"/"a.dir" and opens it; the conversation starts empty.
     void open(const std::vector<DirRecord>& records, std::uint64_t dataBytes) {
-        WriteArchive(folder / "a.img", records, dataBytes);
-        ASSERT_TRUE(editor.OpenArchive(img()));
-        desktop.conversation.clear();
+        openArchive("a.img", records, dataBytes);
     }
     std::string img() const { return (folder / "a.img").string(); }
     std::string imgBytes() const { return ReadBytes(folder / "a.img"); }
@@ -73,12 +66,6 @@ protected:
         WriteBytes(folder / "in" / name, bytes);
         return (folder / "in" / name).string();
     }
-    std::string text(const char* key) const { return settings.LookupText(key); }
-
-    TestFolder folder;
-    ScriptedDesktop desktop;
-    Settings settings;
-    Editor editor;
     ScriptedEntryDialogs dialogs;
     EntryCommands commands;
 };

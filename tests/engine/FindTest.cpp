@@ -1,6 +1,5 @@
+#include "EditorHarness.h"
 #include "EntryBytes.h"
-#include "ScriptedDesktop.h"
-#include "TestFolder.h"
 #include "platform/Folders.h"
 #include "search/FindInArchive.h"
 #include "search/FindInFiles.h"
@@ -12,15 +11,9 @@ namespace korvel {
 namespace {
 
 namespace fs = std::filesystem;
-using test::ScriptedDesktop;
 
-class FindTest : public ::testing::Test {
+class FindTest : public test::EditorHarness {
 protected:
-    FindTest()
-        : settings(folder / "korvel.ini", folder / "lang.ini"),
-          editor(desktop, settings, folder.path()) {
-        settings.EnsureSettingsFile();
-    }
     void openDemo() {
         const fs::path demo = KORVEL_DEMO_ARCHIVE;
         fs::copy_file(demo, folder / "demo.img");
@@ -40,12 +33,6 @@ protected:
         ASSERT_TRUE(editor.OpenArchive((folder / "hand.img").string()));
         desktop.conversation.clear();
     }
-    std::string text(const char* key) const { return settings.LookupText(key); }
-
-    test::TestFolder folder;
-    ScriptedDesktop desktop;
-    Settings settings;
-    Editor editor;
 };
 
 using Rows = std::vector<std::pair<std::string, std::size_t>>;

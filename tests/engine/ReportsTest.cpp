@@ -1,6 +1,5 @@
 #include "reports/Reports.h"
-#include "ScriptedDesktop.h"
-#include "TestFolder.h"
+#include "EditorHarness.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +9,6 @@ namespace korvel {
 namespace {
 
 namespace fs = std::filesystem;
-using test::ScriptedDesktop;
 
 std::vector<std::string> CrLfLines(const std::string& bytes) {
     std::vector<std::string> lines;
@@ -22,20 +20,13 @@ std::vector<std::string> CrLfLines(const std::string& bytes) {
     return lines;
 }
 
-class ReportsTest : public ::testing::Test {
+class ReportsTest : public test::EditorHarness {
 protected:
-    ReportsTest()
-        : settings(folder / "korvel.ini", folder / "lang.ini"),
-          editor(desktop, settings, folder.path()) {
-        settings.EnsureSettingsFile();
-    }
     void open(const std::vector<DirRecord>& records, std::uint64_t dataBytes) {
-        test::WriteArchive(folder / "rep.img", records, dataBytes);
-        ASSERT_TRUE(editor.OpenArchive(img()));
-        desktop.conversation.clear();
+        openArchive("rep.img", records, dataBytes);
     }
     std::string img() const { return (folder / "rep.img").string(); }
-    std::string t(const char* key) const { return settings.LookupText(key); }
+    std::string t(const char* key) const { return text(key); }
     // Writes a report to `out` and returns its lines, checking the date line
     // against the clock around the call.
     std::vector<std::string> write(ReportKind kind, const std::string& out) {
@@ -54,11 +45,6 @@ protected:
         lines[dateLine] = "DATE";
         return lines;
     }
-
-    test::TestFolder folder;
-    ScriptedDesktop desktop;
-    Settings settings;
-    Editor editor;
 };
 
 const std::vector<DirRecord> Rows = {{0, 1, "a.DFF"},
