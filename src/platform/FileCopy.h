@@ -60,22 +60,39 @@ struct CopySpan {
     std::uint64_t count = 0;
 };
 
+// How CopySpansInOrder moves the bytes. Fastest splices through a pipe where
+// the system can (Linux) and uses the buffer elsewhere; Buffered always uses
+// the buffer, so tests can check both ways give the same file.
+enum class CopyWay { Fastest, Buffered };
+
 // Copies the spans one after another to `out`, starting at `outOffset`, and
-// calls `progress(i)` before span i. Small spans are read straight into one
-// fixed output buffer that is written in large blocks, so thousands of small
-// entries cost one read each and a few hundred writes, instead of one kernel
-// copy each (whose set-up cost dominates for small entries). Spans larger
-// than the buffer go through CopyRange. Bytes past the end of `in` are zeros.
+// calls `progress(i)` before span i. Thousands of small entries must not cost
+// a small write each: the new file would be written back in small pieces,
+// far slower than a plain copy. So the spans are gathered into large writes,
+// either in a pipe (the kernel moves the pages, no copy through our memory)
+// or in one fixed buffer of SpanWindow bytes; spans larger than the buffer go
+// through CopyRange. Bytes past the end of `in` are zeros.
 inline constexpr std::uint64_t SpanWindow = 8u << 20;
 FsError CopySpansInOrder(const File& in, File& out, std::uint64_t outOffset,
                          const std::vector<CopySpan>& spans,
-                         const std::function<void(std::size_t)>& progress);
+                         const std::function<void(std::size_t)>& progress,
+                         CopyWay way = CopyWay::Fastest);
+
+// Makes `count` bytes at `offset` zeros: written where `out` already has
+// bytes, by growing the file beyond its end.
+FsError FillWithZeros(File& out, std::uint64_t offset, std::uint64_t count);
 
 // Writes `count` zero bytes at `offset`, through a small fixed block.
 FsError WriteZeros(File& out, std::uint64_t offset, std::uint64_t count);
 
 // Flushes a folder's entry list, so renames in it survive a power cut.
 FsError SyncFolder(const std::filesystem::path& folder);
+
+// Closes `file` on a thread of its own. Closing the last descriptor of a file
+// that a rename has replaced makes the file system free all its blocks and
+// cached pages, which for a gigabyte takes a noticeable moment that nobody
+// needs to wait for.
+void CloseInBackground(File file);
 
 // Renames `from` onto `to`, replacing it.
 FsError RenameFile(const std::filesystem::path& from, const std::filesystem::path& to);

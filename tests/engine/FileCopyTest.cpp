@@ -3,11 +3,17 @@
 
 #include <gtest/gtest.h>
 
+#include <numeric>
+
+#ifdef __linux__
+#include <fcntl.h>
+#endif
+
 namespace korvel {
 namespace {
 
-// Copying many spans through the shared buffer must give exactly the bytes
-// the spans name, whatever their order, gaps and sizes.
+// Copying many spans must give exactly the bytes the spans name, whatever
+// their order, gaps and sizes, through the pipe and through the buffer alike.
 TEST(CopySpansInOrder, GivesTheSameBytesAsCopyingEachSpan) {
     test::TestFolder folder;
     std::string source(3 * SpanWindow / 2, '\0');
@@ -27,6 +33,9 @@ TEST(CopySpansInOrder, GivesTheSameBytesAsCopyingEachSpan) {
         {end + SpanWindow, 2048},        // wholly past the end
         {SectorSize, SpanWindow + 2048}, // larger than the window
         {10 * 2048, 2048},
+        {end - 2048, 2048},       // ends exactly at the end
+        {1, 3 * 1024 * 1024 + 5}, // odd offset and length, fills a pipe
+        {end - 3 * 1024 * 1024, 3 * 1024 * 1024 + 7},
     };
     std::string expected;
     for (const CopySpan& span : spans) {
@@ -35,20 +44,44 @@ TEST(CopySpansInOrder, GivesTheSameBytesAsCopyingEachSpan) {
         }
     }
 
-    File in;
-    File out;
-    ASSERT_EQ(in.open(folder / "in", File::Mode::Read), "");
-    ASSERT_EQ(out.open(folder / "out", File::Mode::CreateTruncate), "");
-    std::vector<std::size_t> reported;
-    EXPECT_EQ(CopySpansInOrder(in, out, 0, spans, [&](std::size_t i) { reported.push_back(i); }),
-              "");
-    ASSERT_EQ(out.close(), "");
-    const std::string written = test::ReadBytes(folder / "out");
-    ASSERT_EQ(written.size(), expected.size());
-    EXPECT_TRUE(written == expected);
-    EXPECT_EQ(reported.size(), spans.size());
-    for (std::size_t i = 0; i < reported.size(); ++i) {
-        EXPECT_EQ(reported[i], i);
+    struct Way {
+        const char* name;
+        CopyWay way;
+        bool appendOnly; // a destination that refuses splice
+    };
+    const Way ways[] = {
+        {"fastest", CopyWay::Fastest, false},
+        {"buffered", CopyWay::Buffered, false},
+#ifdef __linux__
+        {"fastest, no splice into the destination", CopyWay::Fastest, true},
+#endif
+    };
+    for (const Way& way : ways) {
+        SCOPED_TRACE(way.name);
+        File in;
+        File out;
+        ASSERT_EQ(in.open(folder / "in", File::Mode::Read), "");
+        ASSERT_EQ(out.open(folder / "out", File::Mode::CreateTruncate), "");
+        // Something already at the start of the output stays.
+        ASSERT_EQ(out.writeAt(0, "head"), "");
+#ifdef __linux__
+        // The kernel refuses to splice into a file open for appending; the
+        // copy writes at its end anyway.
+        if (way.appendOnly) {
+            ASSERT_EQ(::fcntl(out.fd(), F_SETFL, O_APPEND), 0);
+        }
+#endif
+        std::vector<std::size_t> reported;
+        EXPECT_EQ(CopySpansInOrder(
+                      in, out, 4, spans, [&](std::size_t i) { reported.push_back(i); }, way.way),
+                  "");
+        ASSERT_EQ(out.close(), "");
+        const std::string written = test::ReadBytes(folder / "out");
+        ASSERT_EQ(written.size(), expected.size() + 4);
+        EXPECT_TRUE(written == "head" + expected);
+        std::vector<std::size_t> inOrder(spans.size());
+        std::iota(inOrder.begin(), inOrder.end(), std::size_t{0});
+        EXPECT_EQ(reported, inOrder);
     }
 }
 
