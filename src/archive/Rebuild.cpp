@@ -140,10 +140,12 @@ bool EntryCommands::Rebuild() {
     };
 
     // 1. The new data file: every row's sectors, back to back, in row order.
+    // The old data file stays open until its replacement is in place, so that
+    // freeing it happens when we close it, off the command's time.
     std::vector<DirRecord> records;
     records.reserve(table.size());
+    File in;
     {
-        File in;
         File out;
         FsError error = in.open(dataPath, File::Mode::Read);
         if (error.empty()) {
@@ -234,6 +236,7 @@ bool EntryCommands::Rebuild() {
     if (error.empty()) {
         error = FinishRenames(files.journal);
     }
+    CloseInBackground(std::move(in));
     if (!error.empty()) {
         desktop.ShowMessage(editor_.text("ohCrap1") + " " + error, "Error",
                             MessageIcon::Exclamation);
