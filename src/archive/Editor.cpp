@@ -19,6 +19,7 @@ std::string RecentKey(int slot) {
 // data file under the name it was created with.
 std::string DataPathForNewArchive(const std::string& chosen, const std::filesystem::path& dir) {
 #ifdef _WIN32
+    (void)chosen;
     std::string path = ToLowerCp1252(dir.string());
     for (std::size_t at = path.find(".dir"); at != std::string::npos;
          at = path.find(".dir", at + 4)) {

@@ -20,7 +20,8 @@ void AppendLe32(std::string& out, std::uint32_t value) {
     }
 }
 
-char MatchCase(char model, char lowerLetter) {
+// Used by the case-sensitive directory rule only.
+[[maybe_unused]] char MatchCase(char model, char lowerLetter) {
     return (model >= 'A' && model <= 'Z') ? static_cast<char>(lowerLetter - 'a' + 'A')
                                           : lowerLetter;
 }

@@ -220,6 +220,9 @@ bool EntryCommands::Rebuild() {
     }
 
     // 4. The renames. From here on the journal finishes what we don't.
+    if (!OpenFilesCanBeReplaced) {
+        (void)in.close();
+    }
     error = Step("rebuild-journal-written");
     if (error.empty()) {
         error = RenameFile(files.newData, dataPath);

@@ -1,18 +1,21 @@
+// Streaming copies for the entry commands: single ranges, the rebuild's spans
+// in order, zeros. The file primitives themselves live in FilePosix.cpp and
+// FileWindows.cpp.
 #include "platform/FileCopy.h"
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <thread>
 #include <vector>
 
+#ifdef __linux__
+#include <cerrno>
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
+#endif
 
 namespace korvel {
 namespace {
@@ -25,46 +28,9 @@ StepHook& Hook() {
     return hook;
 }
 
-FsError LastError() {
-    return SystemErrorText(errno);
-}
-
-FsError ReadAt(int fd, std::uint64_t offset, char* data, std::size_t size, std::size_t& got) {
-    got = 0;
-    while (got < size) {
-        const ssize_t n = ::pread(fd, data + got, size - got, static_cast<off_t>(offset + got));
-        if (n < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
-            return LastError();
-        }
-        if (n == 0) {
-            break; // end of file
-        }
-        got += static_cast<std::size_t>(n);
-    }
-    return {};
-}
-
-FsError WriteAllAt(int fd, std::uint64_t offset, const char* data, std::size_t size) {
-    std::size_t done = 0;
-    while (done < size) {
-        const ssize_t n = ::pwrite(fd, data + done, size - done, static_cast<off_t>(offset + done));
-        if (n < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
-            return LastError();
-        }
-        done += static_cast<std::size_t>(n);
-    }
-    return {};
-}
-
 // Copies through a fixed buffer; returns the bytes copied (fewer than `count`
 // only at the end of `in`).
-FsError BufferedCopy(int in, std::uint64_t inOffset, int out, std::uint64_t outOffset,
+FsError BufferedCopy(const File& in, std::uint64_t inOffset, File& out, std::uint64_t outOffset,
                      std::uint64_t count, std::uint64_t& copied) {
     static thread_local std::vector<char> buffer(BufferSize);
     copied = 0;
@@ -72,12 +38,11 @@ FsError BufferedCopy(int in, std::uint64_t inOffset, int out, std::uint64_t outO
         const std::size_t want =
             static_cast<std::size_t>(std::min<std::uint64_t>(count - copied, BufferSize));
         std::size_t got = 0;
-        if (FsError error = ReadAt(in, inOffset + copied, buffer.data(), want, got);
+        if (FsError error = in.readAt(inOffset + copied, buffer.data(), want, got);
             !error.empty()) {
             return error;
         }
-        if (FsError error = WriteAllAt(out, outOffset + copied, buffer.data(), got);
-            !error.empty()) {
+        if (FsError error = out.writeAt(outOffset + copied, {buffer.data(), got}); !error.empty()) {
             return error;
         }
         copied += got;
@@ -88,16 +53,21 @@ FsError BufferedCopy(int in, std::uint64_t inOffset, int out, std::uint64_t outO
     return {};
 }
 
-FsError KernelCopy(int in, std::uint64_t inOffset, int out, std::uint64_t outOffset,
+#ifdef __linux__
+FsError LastError() {
+    return SystemErrorText(errno);
+}
+
+// copy_file_range: the kernel copies (or shares) the bytes itself.
+FsError KernelCopy(const File& in, std::uint64_t inOffset, File& out, std::uint64_t outOffset,
                    std::uint64_t count, std::uint64_t& copied) {
     copied = 0;
-#ifdef __linux__
     while (copied < count) {
         auto from = static_cast<off64_t>(inOffset + copied);
         auto to = static_cast<off64_t>(outOffset + copied);
         const std::size_t want =
             static_cast<std::size_t>(std::min<std::uint64_t>(count - copied, 1u << 30));
-        const ssize_t n = ::copy_file_range(in, &from, out, &to, want, 0);
+        const ssize_t n = ::copy_file_range(in.fd(), &from, out.fd(), &to, want, 0);
         if (n < 0) {
             if (errno == EINTR) {
                 continue;
@@ -119,10 +89,13 @@ FsError KernelCopy(int in, std::uint64_t inOffset, int out, std::uint64_t outOff
         copied += static_cast<std::uint64_t>(n);
     }
     return {};
-#else
-    return BufferedCopy(in, inOffset, out, outOffset, count, copied);
-#endif
 }
+#else
+FsError KernelCopy(const File& in, std::uint64_t inOffset, File& out, std::uint64_t outOffset,
+                   std::uint64_t count, std::uint64_t& copied) {
+    return BufferedCopy(in, inOffset, out, outOffset, count, copied);
+}
+#endif
 
 } // namespace
 
@@ -141,76 +114,6 @@ File& File::operator=(File&& other) noexcept {
         other.fd_ = -1;
     }
     return *this;
-}
-
-FsError File::open(const std::filesystem::path& path, Mode mode) {
-    close();
-    int flags = O_CLOEXEC;
-    switch (mode) {
-    case Mode::Read:
-        flags |= O_RDONLY;
-        break;
-    case Mode::ReadWrite:
-        flags |= O_RDWR;
-        break;
-    case Mode::CreateTruncate:
-        flags |= O_RDWR | O_CREAT | O_TRUNC;
-        break;
-    }
-    fd_ = ::open(path.c_str(), flags, 0644);
-    if (fd_ < 0) {
-        return LastError();
-    }
-    struct stat info {};
-    if (::fstat(fd_, &info) == 0 && S_ISDIR(info.st_mode)) {
-        close();
-        return SystemErrorText(EISDIR);
-    }
-    return {};
-}
-
-FsError File::close() {
-    if (fd_ < 0) {
-        return {};
-    }
-    const int result = ::close(fd_);
-    fd_ = -1;
-    return result == 0 ? FsError{} : LastError();
-}
-
-FsError File::length(std::uint64_t& out) const {
-    struct stat info {};
-    if (::fstat(fd_, &info) != 0) {
-        return LastError();
-    }
-    out = static_cast<std::uint64_t>(info.st_size);
-    return {};
-}
-
-FsError File::truncate(std::uint64_t length) {
-    return ::ftruncate(fd_, static_cast<off_t>(length)) == 0 ? FsError{} : LastError();
-}
-
-void File::reserve(std::uint64_t length) {
-#ifdef __linux__
-    if (length > 0) {
-        (void)::fallocate(fd_, FALLOC_FL_KEEP_SIZE, 0, static_cast<off_t>(length));
-    }
-#else
-    (void)length;
-#endif
-}
-
-FsError File::sync() {
-    return ::fsync(fd_) == 0 ? FsError{} : LastError();
-}
-
-FsError File::writeAt(std::uint64_t offset, std::string_view bytes) {
-    return WriteAllAt(fd_, offset, bytes.data(), bytes.size());
-}
-
-FsError File::readAt(std::uint64_t offset, char* data, std::size_t size, std::size_t& got) const {
-    return ReadAt(fd_, offset, data, size, got);
 }
 
 FsError FillWithZeros(File& out, std::uint64_t offset, std::uint64_t count) {
@@ -495,8 +398,7 @@ FsError CopyRange(const File& in, std::uint64_t inOffset, File& out, std::uint64
         return error;
     }
     std::uint64_t copied = 0;
-    if (FsError error = KernelCopy(in.fd(), inOffset, out.fd(), outOffset, count, copied);
-        !error.empty()) {
+    if (FsError error = KernelCopy(in, inOffset, out, outOffset, count, copied); !error.empty()) {
         return error;
     }
     if (copied == count) {
@@ -506,24 +408,8 @@ FsError CopyRange(const File& in, std::uint64_t inOffset, File& out, std::uint64
     return FillWithZeros(out, outOffset + copied, count - copied);
 }
 
-FsError SyncFolder(const std::filesystem::path& folder) {
-    const std::filesystem::path name = folder.empty() ? "." : folder;
-    const int fd = ::open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd < 0) {
-        return LastError();
-    }
-    const int result = ::fsync(fd);
-    const int saved = errno;
-    ::close(fd);
-    return result == 0 ? FsError{} : SystemErrorText(saved);
-}
-
 void CloseInBackground(File file) {
     std::thread([closing = std::move(file)]() mutable { (void)closing.close(); }).detach();
-}
-
-FsError RenameFile(const std::filesystem::path& from, const std::filesystem::path& to) {
-    return std::rename(from.c_str(), to.c_str()) == 0 ? FsError{} : LastError();
 }
 
 void SetStepHook(StepHook hook) {
@@ -534,7 +420,7 @@ FsError Step(std::string_view step) {
     if (const char* kill = std::getenv("KORVEL_TEST_KILL_AT"); kill != nullptr && step == kill) {
         std::fprintf(stderr, "korvel-cli: killed at %s\n", kill);
         std::fflush(stderr);
-        ::raise(SIGKILL);
+        KillThisProcess();
     }
     if (Hook()) {
         return Hook()(step);

@@ -1,8 +1,8 @@
 // Streaming copies between files for the entry commands. Entry sizes come from
 // directory records nobody checked, so nothing here ever allocates a buffer
-// sized by an entry: data moves through copy_file_range where the kernel has
-// it, else through a fixed buffer, and missing bytes become zeros by extending
-// the file (sparse) or from a small fixed zero block.
+// sized by an entry: data moves through the kernel (copy_file_range, splice)
+// where it can, else through a fixed buffer, and missing bytes become zeros
+// by extending the file (sparse) or from a small fixed zero block.
 #pragma once
 
 #include "platform/FileSystem.h"
@@ -15,7 +15,9 @@
 
 namespace korvel {
 
-// An open file descriptor that closes itself.
+// An open file that closes itself: a descriptor on every system (on Windows
+// the C runtime's, over a handle that allows a rename to replace the file).
+// Implemented per system in FilePosix.cpp and FileWindows.cpp.
 class File {
 public:
     enum class Mode { Read, ReadWrite, CreateTruncate };
@@ -88,6 +90,15 @@ FsError WriteZeros(File& out, std::uint64_t offset, std::uint64_t count);
 // Flushes a folder's entry list, so renames in it survive a power cut.
 FsError SyncFolder(const std::filesystem::path& folder);
 
+// Whether a rename may replace a file that is still open. POSIX systems
+// allow it; Windows refuses while any handle is open, so there the old file
+// must be closed first.
+#ifdef _WIN32
+inline constexpr bool OpenFilesCanBeReplaced = false;
+#else
+inline constexpr bool OpenFilesCanBeReplaced = true;
+#endif
+
 // Closes `file` on a thread of its own. Closing the last descriptor of a file
 // that a rename has replaced makes the file system free all its blocks and
 // cached pages, which for a gigabyte takes a noticeable moment that nobody
@@ -103,6 +114,8 @@ FsError RenameFile(const std::filesystem::path& from, const std::filesystem::pat
 // kill itself there, which is how the crash tests stop a real korvel-cli at an
 // exact moment. Without either, a step costs one getenv.
 using StepHook = std::function<FsError(std::string_view step)>;
+// Ends the process at once, as a crash or a kill would: no clean-up runs.
+[[noreturn]] void KillThisProcess();
 void SetStepHook(StepHook hook);
 FsError Step(std::string_view step);
 
