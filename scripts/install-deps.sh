@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
 # Installs what building and testing Korvel needs on Debian 12, skipping
 # packages that are already there. Run as root (or through sudo).
+# With --windows it also installs the MinGW-w64 cross compiler and Wine for
+# the Windows build check.
 set -euo pipefail
 
 packages=(
@@ -9,6 +11,9 @@ packages=(
   libgtest-dev
   xvfb xauth xdotool x11-apps fonts-dejavu-core
 )
+if [ "${1:-}" = "--windows" ]; then
+  packages=(g++-mingw-w64-x86-64-posix wine64)
+fi
 
 missing=()
 for package in "${packages[@]}"; do
