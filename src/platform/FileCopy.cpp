@@ -232,7 +232,10 @@ public:
             auto from = static_cast<loff_t>(span.inOffset + done);
             const auto want =
                 static_cast<std::size_t>(std::min<std::uint64_t>(span.count - done, 1u << 30));
-            const ssize_t n = ::splice(in_.fd(), &from, pipe_[1], nullptr, want, SPLICE_F_NONBLOCK);
+            // Not waiting only matters for a full pipe, which a drain
+            // empties; with an empty one the call may wait for the disk.
+            const unsigned flags = inPipe_ > 0 ? SPLICE_F_NONBLOCK : 0;
+            const ssize_t n = ::splice(in_.fd(), &from, pipe_[1], nullptr, want, flags);
             if (n < 0) {
                 if (errno == EINTR) {
                     continue;

@@ -7,6 +7,7 @@
 
 #ifdef __linux__
 #include <fcntl.h>
+#include <unistd.h>
 #endif
 
 namespace korvel {
@@ -48,12 +49,14 @@ TEST(CopySpansInOrder, GivesTheSameBytesAsCopyingEachSpan) {
         const char* name;
         CopyWay way;
         bool appendOnly; // a destination that refuses splice
+        bool coldSource; // nothing of the source in the page cache
     };
     const Way ways[] = {
-        {"fastest", CopyWay::Fastest, false},
-        {"buffered", CopyWay::Buffered, false},
+        {"fastest", CopyWay::Fastest, false, false},
+        {"buffered", CopyWay::Buffered, false, false},
 #ifdef __linux__
-        {"fastest, no splice into the destination", CopyWay::Fastest, true},
+        {"fastest, no splice into the destination", CopyWay::Fastest, true, false},
+        {"fastest, source read from the disk", CopyWay::Fastest, false, true},
 #endif
     };
     for (const Way& way : ways) {
@@ -69,6 +72,10 @@ TEST(CopySpansInOrder, GivesTheSameBytesAsCopyingEachSpan) {
         // copy writes at its end anyway.
         if (way.appendOnly) {
             ASSERT_EQ(::fcntl(out.fd(), F_SETFL, O_APPEND), 0);
+        }
+        if (way.coldSource) {
+            ASSERT_EQ(::fdatasync(in.fd()), 0);
+            ASSERT_EQ(::posix_fadvise(in.fd(), 0, 0, POSIX_FADV_DONTNEED), 0);
         }
 #endif
         std::vector<std::size_t> reported;
