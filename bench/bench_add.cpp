@@ -1,9 +1,7 @@
 // Adding files with the duplicate scan on, to a small and to a large archive:
 // the name index keeps the cost per file independent of the archive's size.
 // usage: bench_add [files=5000] [small archive=10000] [large archive=27000]
-#include "BenchSupport.h"
-#include "ScriptedEntryDialogs.h"
-#include "archive/EntryCommands.h"
+#include "EntryBench.h"
 
 #include <cstdio>
 
@@ -25,19 +23,15 @@ double AddAll(std::uint32_t files, std::uint32_t existing) {
         paths.push_back((folder / "in" / ("new" + std::to_string(i) + ".dff")).string());
         test::WriteBytes(paths.back(), std::string(100 + i % 3000, 'x'));
     }
-    NullDesktop desktop;
-    Settings settings(folder / "korvel.ini", folder / "lang.ini");
-    settings.EnsureSettingsFile();
-    settings.WriteSetting("True", "addingScan");
-    Editor editor(desktop, settings, folder.path());
-    test::ScriptedEntryDialogs dialogs(settings);
-    EntryCommands commands(editor, dialogs);
+    EntryBench bench(folder.path());
+    bench.settings.WriteSetting("True", "addingScan");
+    Editor& editor = bench.editor;
     if (!editor.OpenArchive((folder / "a.img").string())) {
         std::exit(1);
     }
     FlushAll();
     std::size_t failed = 0;
-    const double seconds = Seconds([&] { failed = commands.AddFileBatch(paths); });
+    const double seconds = Seconds([&] { failed = bench.commands.AddFileBatch(paths); });
     if (failed != 0 || editor.table().size() != std::size_t{existing} + files) {
         std::printf("adding failed (%zu files)\n", failed);
         std::exit(1);

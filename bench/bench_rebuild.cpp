@@ -2,9 +2,7 @@
 // streams every entry and flushes the new data file, so the copy is timed
 // with an fsync of that one file too: like against like.
 // usage: bench_rebuild [entries=20000] [archive MiB=1024] [unused %=25] [rounds=5]
-#include "BenchSupport.h"
-#include "ScriptedEntryDialogs.h"
-#include "archive/EntryCommands.h"
+#include "EntryBench.h"
 
 #include <cstdio>
 
@@ -12,20 +10,13 @@ using namespace korvel;
 using namespace korvel::bench;
 
 int main(int argc, char** argv) {
-    const auto entries = static_cast<std::uint32_t>(Arg(argc, argv, 1, 20000));
-    const std::uint64_t archiveMiB = Arg(argc, argv, 2, 1024);
-    const auto unused = static_cast<unsigned>(Arg(argc, argv, 3, 25));
-    const auto rounds = std::max(1ul, Arg(argc, argv, 4, 5));
+    const ArchiveArgs args(argc, argv, 5);
     test::TestFolder folder;
-    const Layout layout = MakeLayout(entries, archiveMiB, unused);
+    const Layout layout = MakeLayout(args.entries, args.archiveMiB, args.unused);
     test::WriteArchive(folder / "pristine.img", layout.records, layout.dataBytes);
 
-    NullDesktop desktop;
-    Settings settings(folder / "korvel.ini", folder / "lang.ini");
-    settings.EnsureSettingsFile();
-    Editor editor(desktop, settings, folder.path());
-    test::ScriptedEntryDialogs dialogs(settings);
-    EntryCommands commands(editor, dialogs);
+    EntryBench bench(folder.path());
+    Editor& editor = bench.editor;
     // A file of the rebuilt size, its bytes in the page cache as the
     // archive's are for the rebuild.
     const std::string makeSource = "head -c " + std::to_string(layout.usedBytes) +
@@ -52,7 +43,7 @@ int main(int argc, char** argv) {
     std::vector<double> cpTimes;
     bool ok = true;
     bool copied = true;
-    for (unsigned long round = 0; round < rounds && ok && copied; ++round) {
+    for (unsigned long round = 0; round < args.rounds && ok && copied; ++round) {
         // Each round rebuilds a fresh copy of the same archive.
         const auto copy = std::filesystem::copy_options::overwrite_existing;
         std::filesystem::copy_file(folder / "pristine.img", folder / "big.img", copy);
@@ -64,7 +55,7 @@ int main(int argc, char** argv) {
         if (!WarmUp()) {
             return 1;
         }
-        rebuildTimes.push_back(Seconds([&] { ok = commands.Rebuild(); }));
+        rebuildTimes.push_back(Seconds([&] { ok = bench.commands.Rebuild(); }));
 
         std::filesystem::remove(folder / "copy.img");
         if (!WarmUp()) {
@@ -80,7 +71,8 @@ int main(int argc, char** argv) {
     const auto rebuilt = std::filesystem::file_size(folder / "big.img");
     std::printf("rebuild: %u entries, %.0f MiB archive, %.0f MiB rebuilt (%u%% unused), "
                 "median of %lu rounds\n",
-                entries, layout.dataBytes / 1048576.0, rebuilt / 1048576.0, unused, rounds);
+                args.entries, layout.dataBytes / 1048576.0, rebuilt / 1048576.0, args.unused,
+                args.rounds);
     std::printf("  rebuild %.3f s (%s); cp + fsync of the rebuilt size %.3f s; ratio %.2f "
                 "(target <= 1.2)\n",
                 rebuildSeconds, ok ? "ok" : "FAILED", cpSeconds, rebuildSeconds / cpSeconds);
