@@ -84,6 +84,48 @@ void Trigger(ResultWindow* window, const char* item) {
     window->options()->findChild<QAction*>(QString::fromLatin1(item))->trigger();
 }
 
+// Replaces view, extract and quick extract with recorders of the main list
+// rows each was run on ("EditView:3,7").
+void RecordEntryCommands(MainWindow& w, QStringList& ran) {
+    for (const char* command : {"EditView", "EditExtract", "EditQuick"}) {
+        w.setCommand(command, [&w, &ran, command] {
+            QStringList rows;
+            for (int row : MainSelection(w)) {
+                rows << QString::number(row);
+            }
+            ran << QString::fromLatin1(command) + ":" + rows.join(',');
+        });
+    }
+}
+
+// With only the placeholder listed, Enter and the given items change
+// nothing: no command runs, the main selection stays, the window stays open.
+void ExpectPlaceholderInert(MainWindow& w, ResultWindow* window, QStringList& ran,
+                            std::initializer_list<const char*> items) {
+    ran.clear();
+    w.commands().EditSelect();
+    const QList<int> all = MainSelection(w);
+    window->results()->selectAll();
+    QTest::keyClick(window->results(), Qt::Key_Return);
+    for (const char* item : items) {
+        Trigger(window, item);
+    }
+    QVERIFY(ran.isEmpty());
+    QCOMPARE(MainSelection(w), all);
+    QVERIFY(window->isVisible());
+}
+
+// `closeItem` on the first result selects its main-list row and closes the
+// window.
+void ExpectSelectAndClose(MainWindow& w, ResultWindow* window, const char* closeItem, int mainRow) {
+    SelectResults(window, {0});
+    QPointer<ResultWindow> closing = window;
+    Trigger(window, closeItem);
+    QCOMPARE(MainSelection(w), (QList<int>{mainRow}));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(closing.isNull());
+}
+
 SearchWindow* OpenSearch(MainWindow& w) {
     w.runCommand("EditFind");
     return w.findChild<SearchWindow*>("search");
@@ -299,15 +341,7 @@ void FindWindowsTest::searchResultsActOnTheMainList() {
     WindowEnv env;
     auto& w = StartOnDemo(env);
     QStringList ran;
-    for (const char* command : {"EditView", "EditExtract", "EditQuick"}) {
-        w.setCommand(command, [&w, &ran, command] {
-            QStringList rows;
-            for (int row : MainSelection(w)) {
-                rows << QString::number(row);
-            }
-            ran << QString::fromLatin1(command) + ":" + rows.join(',');
-        });
-    }
+    RecordEntryCommands(w, ran);
     SearchWindow* window = OpenSearch(w);
     Search(window, "dff", "searchModels");
     QCOMPARE(Rows(window->results()).mid(0, 5),
@@ -357,26 +391,11 @@ void FindWindowsTest::searchResultsActOnTheMainList() {
 
     // The placeholder: the items that would act on the main list do nothing.
     Search(window, "***", "searchAll");
-    ran.clear();
-    w.commands().EditSelect();
-    const QList<int> all = MainSelection(w);
-    window->results()->selectAll();
-    QTest::keyClick(window->results(), Qt::Key_Return);
-    Trigger(window, "extractFile");
-    Trigger(window, "QuickFile");
-    Trigger(window, "HClose");
-    QVERIFY(ran.isEmpty());
-    QCOMPARE(MainSelection(w), all);
-    QVERIFY(window->isVisible());
+    ExpectPlaceholderInert(w, window, ran, {"extractFile", "QuickFile", "HClose"});
 
     // Select and close.
     Search(window, "ped", "searchAll");
-    SelectResults(window, {0});
-    QPointer<SearchWindow> closing = window;
-    Trigger(window, "HClose");
-    QCOMPARE(MainSelection(w), (QList<int>{13}));
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    QVERIFY(closing.isNull());
+    ExpectSelectAndClose(w, window, "HClose", 13);
 }
 
 void FindWindowsTest::searchSavesTheFoundNames() {
@@ -473,15 +492,7 @@ void FindWindowsTest::findInFilesActsOnTheHoldingEntries() {
     WindowEnv env;
     auto& w = StartOnDemo(env);
     QStringList ran;
-    for (const char* command : {"EditView", "EditExtract", "EditQuick"}) {
-        w.setCommand(command, [&w, &ran, command] {
-            QStringList rows;
-            for (int row : MainSelection(w)) {
-                rows << QString::number(row);
-            }
-            ran << QString::fromLatin1(command) + ":" + rows.join(',');
-        });
-    }
+    RecordEntryCommands(w, ran);
     SearchFilesWindow* window = OpenSearchFiles(w);
 
     // Before any search nothing reacts.
@@ -506,25 +517,12 @@ void FindWindowsTest::findInFilesActsOnTheHoldingEntries() {
 
     // With the placeholder every item does nothing, View included.
     Search(window, "no such model", "searchCol");
-    ran.clear();
-    w.commands().EditSelect();
-    const QList<int> all = MainSelection(w);
-    window->results()->selectAll();
-    for (const char* item :
-         {"OptSelectFile", "OptView", "OptExtract", "OptQextract", "OptSelectClose"}) {
-        Trigger(window, item);
-    }
-    QVERIFY(ran.isEmpty());
-    QCOMPARE(MainSelection(w), all);
-    QVERIFY(window->isVisible());
+    ExpectPlaceholderInert(
+        w, window, ran,
+        {"OptSelectFile", "OptView", "OptExtract", "OptQextract", "OptSelectClose"});
 
     Search(window, "mailbox", "searchCol");
-    SelectResults(window, {0});
-    QPointer<SearchFilesWindow> closing = window;
-    Trigger(window, "OptSelectClose");
-    QCOMPARE(MainSelection(w), (QList<int>{24}));
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    QVERIFY(closing.isNull());
+    ExpectSelectAndClose(w, window, "OptSelectClose", 24);
 }
 
 void FindWindowsTest::comCheckAndReportsAreWired() {
