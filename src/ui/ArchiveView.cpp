@@ -1,4 +1,5 @@
 #include "ui/ArchiveView.h"
+#include "ui/WidgetUnits.h"
 
 #include <QDropEvent>
 #include <QHeaderView>
@@ -31,7 +32,7 @@ ArchiveView::ArchiveView(QWidget* parent) : QTableView(parent) {
 }
 
 void ArchiveView::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+    if (IsEnterKey(*event)) {
         emit viewRequested();
         return;
     }

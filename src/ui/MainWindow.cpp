@@ -1,4 +1,5 @@
 #include "ui/MainWindow.h"
+#include "ui/WidgetUnits.h"
 
 #include "archive/MenuTree.h"
 #include "platform/Folders.h"
@@ -24,7 +25,6 @@
 namespace korvel::ui {
 namespace {
 
-constexpr double TwipsPerInch = 1440.0;
 // Stripes and rows are 255 twips high plus one screen pixel.
 constexpr int RowHeightTwips = 255;
 
@@ -117,11 +117,11 @@ void MainWindow::startup(const std::string& commandLine) {
 }
 
 int MainWindow::twipsToPixelsX(int twips) const {
-    return static_cast<int>(std::lround(twips * logicalDpiX() / TwipsPerInch));
+    return TwipsToPixelsX(*this, twips);
 }
 
 int MainWindow::twipsToPixelsY(int twips) const {
-    return static_cast<int>(std::lround(twips * logicalDpiY() / TwipsPerInch));
+    return TwipsToPixelsY(*this, twips);
 }
 
 void MainWindow::buildMenus() {

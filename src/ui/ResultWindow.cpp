@@ -1,4 +1,5 @@
 #include "ui/ResultWindow.h"
+#include "ui/WidgetUnits.h"
 
 #include "search/Results.h"
 #include "ui/ArchiveView.h"
@@ -154,7 +155,7 @@ void ResultWindow::fitToContents() {
 }
 
 int ResultWindow::twips(int value) const {
-    return static_cast<int>(std::lround(value * logicalDpiX() / 1440.0));
+    return TwipsToPixelsX(*this, value);
 }
 
 void ResultWindow::showResults(const std::vector<QStringList>& rows,
@@ -207,8 +208,7 @@ bool ResultWindow::eventFilter(QObject* watched, QEvent* event) {
         QTimer::singleShot(0, searchText_, &QLineEdit::selectAll);
     }
     if (watched == results_ && event->type() == QEvent::KeyPress) {
-        const int key = static_cast<QKeyEvent*>(event)->key();
-        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+        if (IsEnterKey(*static_cast<QKeyEvent*>(event))) {
             highlight();
             return true;
         }

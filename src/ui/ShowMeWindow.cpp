@@ -1,4 +1,5 @@
 #include "ui/ShowMeWindow.h"
+#include "ui/WidgetUnits.h"
 
 #include "ui/ArchiveView.h"
 #include "ui/EntryModel.h"
@@ -88,7 +89,7 @@ ShowMeWindow::ShowMeWindow(MainWindow& main) : QWidget(&main, Qt::Window), main_
 }
 
 int ShowMeWindow::twips(int value) const {
-    return static_cast<int>(std::lround(value * logicalDpiX() / 1440.0));
+    return TwipsToPixelsX(*this, value);
 }
 
 void ShowMeWindow::fill(ShowMeList list) {
@@ -147,8 +148,7 @@ void ShowMeWindow::resizeEvent(QResizeEvent* event) {
 
 bool ShowMeWindow::eventFilter(QObject* watched, QEvent* event) {
     if (watched == list_ && event->type() == QEvent::KeyPress) {
-        const int key = static_cast<QKeyEvent*>(event)->key();
-        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+        if (IsEnterKey(*static_cast<QKeyEvent*>(event))) {
             highlight();
             return true;
         }
