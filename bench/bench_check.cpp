@@ -45,13 +45,13 @@ int main(int argc, char** argv) {
 
     desktop.answer({"yes"});
     start = std::chrono::steady_clock::now();
-    ComCheck(editor);
+    CheckArchiveAsking(editor);
     const double command = Seconds(start);
 
     std::printf("rows: %u, duplicate pairs: %zu, report: %zu bytes\n", rows, pairs,
                 desktop.clipboard.size());
     std::printf("DuplicatePairs: %.4f s\n", counting);
-    std::printf("ComCheck (with status texts, report, clipboard): %.4f s\n", command);
+    std::printf("CheckArchiveAsking (with status texts, report, clipboard): %.4f s\n", command);
 
     if (pairwise) {
         const auto& t = editor.table();

@@ -27,7 +27,7 @@ int main(int argc, char** argv) {
         std::filesystem::create_directories(folder / "out");
         editor.table().selectAll();
         FlushAll();
-        extractTimes.push_back(Seconds([&] { failed = bench.commands.EditQuick(); }));
+        extractTimes.push_back(Seconds([&] { failed = bench.commands.ExtractSelectedToLastFolder(); }));
     }
     const double extractSeconds = Median(extractTimes);
 

@@ -1,7 +1,7 @@
 // korvel: the editor's window. `korvel [path.img]` opens the archive named on
 // the command line; `--screenshot FILE` saves a picture of the window after
 // start-up and quits, for checking the looks without a person at the screen.
-#include "archive/MainCommands.h"
+#include "window/MainCommands.h"
 #include "platform/Folders.h"
 #include "settings/Settings.h"
 #include "ui/MainWindow.h"

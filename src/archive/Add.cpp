@@ -276,14 +276,7 @@ std::size_t EntryCommands::AddFileBatch(const std::vector<std::string>& paths, b
     if (!editor_.WriteDirectory()) {
         // The directory file on disk still lists what it listed before; the
         // table follows it, and the appended data is unused space.
-        FsError error;
-        if (const auto bytes = ReadSmallFile(editor_.dirPath(), error)) {
-            std::vector<Entry> rows;
-            for (const DirRecord& record : DecodeDirectory(*bytes)) {
-                rows.push_back(Entry{record.startSector, record.sizeSectors, record.name, false});
-            }
-            editor_.table().assign(std::move(rows));
-        }
+        editor_.archive().FollowDirectoryOnDisk();
         failed = std::max<std::size_t>(failed, 1);
     }
     editor_.FindHighestOffset();
@@ -309,7 +302,7 @@ std::vector<std::string> EntryCommands::AddDialog() {
     return answer.paths;
 }
 
-void EntryCommands::EditAdd() {
+void EntryCommands::AddFilesAskingPaths() {
     const std::vector<std::string> paths = AddDialog();
     if (paths.empty() || (paths.size() == 1 && paths.front().empty())) {
         return;
@@ -322,7 +315,7 @@ void EntryCommands::EditAdd() {
     AddFileBatch(paths, true);
 }
 
-void EntryCommands::AddingScan() {
+void EntryCommands::ToggleAddingScan() {
     MenuState& menu = editor_.menu();
     const bool scan = !menu.isChecked("AddingScan");
     menu.setChecked("AddingScan", scan);

@@ -54,7 +54,7 @@ std::string DuplicateReport(const Editor& editor, const std::vector<std::string>
     return report;
 }
 
-void ComCheck(Editor& editor) {
+void CheckArchiveAsking(Editor& editor) {
     Desktop& desktop = editor.desktop();
     if (desktop.AskYesNo(editor.text("aCheck1") + "\n" + editor.text("rebuild2"),
                          editor.text("menub8") + "?")) {

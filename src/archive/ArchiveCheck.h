@@ -1,7 +1,7 @@
 // The archive check (ComCheck): entries that share a name, case included.
 #pragma once
 
-#include "archive/Editor.h"
+#include "window/Editor.h"
 
 #include <cstddef>
 #include <functional>
@@ -25,6 +25,6 @@ std::string DuplicateReport(const Editor& editor, const std::vector<std::string>
 
 // The ComCheck command: asks first, checks, shows the findings and puts the
 // report on the clipboard when there are any.
-void ComCheck(Editor& editor);
+void CheckArchiveAsking(Editor& editor);
 
 } // namespace korvel

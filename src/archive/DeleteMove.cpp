@@ -4,7 +4,7 @@
 
 namespace korvel {
 
-void EntryCommands::ComDel() {
+void EntryCommands::DeleteSelectedAsking() {
     const std::size_t n = editor_.table().selectedCount();
     if (n == 0) {
         return;

@@ -5,9 +5,9 @@
 // the data file in agreement when something fails. Rows are 0-based here.
 #pragma once
 
-#include "archive/Editor.h"
+#include "window/Editor.h"
 #include "archive/RebuildJournal.h"
-#include "platform/EntryDialogs.h"
+#include "window/EntryDialogs.h"
 #include "platform/FileSystem.h"
 
 #include <filesystem>
@@ -41,8 +41,8 @@ public:
 
     // --- extracting and viewing ----------------------------------------------
     // Both return the number of selected entries that were not written.
-    std::size_t EditExtract();
-    std::size_t EditQuick();
+    std::size_t ExtractSelectedAskingFolder();
+    std::size_t ExtractSelectedToLastFolder();
     bool ExtractEntry(std::size_t row, ExtractMode mode);
     std::string ChooseFolder();
     void ViewSelectedEntries();
@@ -54,7 +54,7 @@ public:
     // Puts the file's data in place of the row's; empty on success, else the
     // description of the failure (nothing reported to the person).
     FsError ReplaceEntry(const std::string& path, std::size_t row);
-    void ComReplace();
+    void ReplaceSelectedAskingFiles();
     void ReplaceEntryWithDialog(std::size_t row);
 
     // --- adding --------------------------------------------------------------
@@ -67,29 +67,25 @@ public:
     std::size_t AddFileBatch(const std::vector<std::string>& paths, bool fromDialog = false);
     // The open dialog's answer: full paths, none when cancelled.
     std::vector<std::string> AddDialog();
-    void EditAdd();
+    void AddFilesAskingPaths();
     // The `AddingScan` menu item: flips the duplicate scan.
-    void AddingScan();
+    void ToggleAddingScan();
 
     // --- deleting and moving -------------------------------------------------
-    void ComDel();
+    void DeleteSelectedAsking();
     bool DeleteSelectedEntries();
-    void ComMove() { MoveSelectedToEnd(); }
     void MoveSelectedToEnd();
 
     // --- rebuilding ----------------------------------------------------------
-    void ComRebuild();
+    void RebuildAsking();
     // Returns true when the rebuilt archive is open.
     bool Rebuild();
 
     // --- renaming and name case ----------------------------------------------
-    void ComRename();
+    void RenameSelectedWithDialog();
     // The rename dialog's `DoRename`: `typed` is UTF-8. False keeps the
     // dialog open.
     bool DoRename(std::size_t row, const std::string& typed);
-    void ConvLFName() { LowerCaseSelected(NameCase::Whole); }
-    void EditLowCaseName() { LowerCaseSelected(NameCase::BeforeExtension); }
-    void EditLowCase() { LowerCaseSelected(NameCase::Extension); }
     void LowerCaseSelected(NameCase which);
 
 private:

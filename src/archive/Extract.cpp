@@ -56,18 +56,18 @@ std::string UnsafeNameProblem(const std::string& rawName) {
 
 EntryCommands::EntryCommands(Editor& editor, EntryDialogs& dialogs)
     : editor_(editor), dialogs_(dialogs) {
-    editor_.setRebuildCommand([this] { ComRebuild(); });
+    editor_.setRebuildCommand([this] { RebuildAsking(); });
 }
 
 EntryCommands::~EntryCommands() {
     editor_.setRebuildCommand({});
 }
 
-std::size_t EntryCommands::EditExtract() {
+std::size_t EntryCommands::ExtractSelectedAskingFolder() {
     return ExtractSelected(ExtractMode::Ask);
 }
 
-std::size_t EntryCommands::EditQuick() {
+std::size_t EntryCommands::ExtractSelectedToLastFolder() {
     return ExtractSelected(ExtractMode::Quick);
 }
 

@@ -1,7 +1,7 @@
 #include "archive/Marker.h"
 
 #include "platform/Folders.h"
-#include "reports/AnsiFile.h"
+#include "platform/TextFile.h"
 
 #include <system_error>
 
@@ -24,7 +24,7 @@ FsError WriteMarkerFile(const Settings& settings) {
     return WriteFileAtomically(path, ToAnsi(settings.LookupText("markText")) + "\r\n");
 }
 
-bool EditInsertMarker(EntryCommands& commands, Editor& editor) {
+bool InsertMarker(EntryCommands& commands, Editor& editor) {
     if (!editor.isOpen()) {
         return false;
     }

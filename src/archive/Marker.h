@@ -17,6 +17,6 @@ FsError WriteMarkerFile(const Settings& settings);
 
 // EditInsertMarker: appends one marker entry to the open archive. Returns
 // true when it was added and the directory written.
-bool EditInsertMarker(EntryCommands& commands, Editor& editor);
+bool InsertMarker(EntryCommands& commands, Editor& editor);
 
 } // namespace korvel

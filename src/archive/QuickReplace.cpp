@@ -55,7 +55,7 @@ std::optional<std::string> QuickReplace::PickFolder() {
     return folder;
 }
 
-void QuickReplace::CmdGroupReplace() {
+void QuickReplace::QuickReplaceSelected() {
     Desktop& desktop = editor_.desktop();
     const std::size_t count = editor_.table().selectedCount();
     if (count == 0) {
@@ -64,7 +64,7 @@ void QuickReplace::CmdGroupReplace() {
     }
     if (count == 1) {
         desktop.SetStatus(editor_.text("oneSel"));
-        commands_.ComReplace();
+        commands_.ReplaceSelectedAskingFiles();
         return;
     }
     const std::string lastQR = editor_.settings().ReadSetting("lastQR");

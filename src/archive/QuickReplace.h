@@ -5,7 +5,7 @@
 #pragma once
 
 #include "archive/EntryCommands.h"
-#include "platform/QuickReplaceDialogs.h"
+#include "window/QuickReplaceDialogs.h"
 
 #include <cstddef>
 #include <string>
@@ -23,7 +23,7 @@ class QuickReplace {
 public:
     QuickReplace(Editor& editor, EntryCommands& commands, QuickReplaceDialogs& dialogs);
 
-    void CmdGroupReplace();
+    void QuickReplaceSelected();
     // The run once a folder is chosen: replaces the selected rows from it,
     // stores the last folder used in `lastQR`, clears the selection and shows
     // the counts in the status bar.

@@ -114,7 +114,7 @@ void RecoverInterruptedRebuild(const fs::path& dataPath) {
     RemoveQuietly(files.newDir);
 }
 
-void EntryCommands::ComRebuild() {
+void EntryCommands::RebuildAsking() {
     const std::string question = editor_.text("rebuild1") + "\r\n" + editor_.text("rebuild2");
     if (editor_.desktop().AskYesNo(question, editor_.text("menuc9") + "?")) {
         Rebuild();

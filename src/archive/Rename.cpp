@@ -27,7 +27,7 @@ bool HasExtension(std::string_view name) {
 
 } // namespace
 
-void EntryCommands::ComRename() {
+void EntryCommands::RenameSelectedWithDialog() {
     const EntryTable& table = editor_.table();
     // The dialog is refilled for each selected row and so shows the last one.
     std::optional<std::size_t> last;

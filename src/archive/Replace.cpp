@@ -128,7 +128,7 @@ bool EntryCommands::ReplaceWithDialog(std::size_t row) {
     return true;
 }
 
-void EntryCommands::ComReplace() {
+void EntryCommands::ReplaceSelectedAskingFiles() {
     EntryTable& table = editor_.table();
     for (std::size_t row = 0; row < table.size(); ++row) {
         if (table[row].selected && !ReplaceWithDialog(row)) {

@@ -45,7 +45,7 @@ int New(const Arguments& args) {
     }
     session.desktop().fileDialogPaths = {path};
     session.desktop().yesAnswer = force;
-    session.editor().FileNew();
+    session.editor().NewArchiveAskingPath();
     if (!session.editor().isOpen()) {
         return Fail(session.failure("cannot create " + target));
     }

@@ -112,7 +112,7 @@ int Extract(const Arguments& args) {
         return Fail("cannot create the folder " + dest + (ec ? ": " + ec.message() : ""));
     }
     run.settings().WriteSetting(dest, "lastExtract");
-    return run.finish(run.commands.EditQuick() == 0);
+    return run.finish(run.commands.ExtractSelectedToLastFolder() == 0);
 }
 
 int AddFiles(const Arguments& args) {
@@ -203,11 +203,11 @@ int LowerCase(const Arguments& args) {
         return ExitFailure;
     }
     if (args.has("--name")) {
-        run.commands.EditLowCaseName();
+        run.commands.LowerCaseSelected(EntryCommands::NameCase::BeforeExtension);
     } else if (args.has("--extension")) {
-        run.commands.EditLowCase();
+        run.commands.LowerCaseSelected(EntryCommands::NameCase::Extension);
     } else {
-        run.commands.ConvLFName();
+        run.commands.LowerCaseSelected(EntryCommands::NameCase::Whole);
     }
     return run.finish(run.session.desktop().messages.empty());
 }

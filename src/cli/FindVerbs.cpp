@@ -113,7 +113,7 @@ int Report(const Arguments& args) {
     // yes, replace it.
     session.desktop().fileDialogPaths = {args.operands[1]};
     session.desktop().yesAnswer = true;
-    text ? EditSave(editor) : EditSaveHtml(editor);
+    text ? SaveTextReportAskingPath(editor) : SaveHtmlReportAskingPath(editor);
     if (session.desktop().status != editor.text("sd7")) {
         return Fail("cannot write the report " + args.operands[1]);
     }

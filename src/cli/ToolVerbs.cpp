@@ -73,7 +73,7 @@ int MarkerVerb(const Arguments& args) {
     if (!run.session.open(args.operands[0])) {
         return ExitFailure;
     }
-    return run.finish(EditInsertMarker(run.commands, run.session.editor()));
+    return run.finish(InsertMarker(run.commands, run.session.editor()));
 }
 
 } // namespace

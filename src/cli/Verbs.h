@@ -3,7 +3,7 @@
 // reports) add theirs through one Add...Verbs function each.
 #pragma once
 
-#include "archive/Editor.h"
+#include "window/Editor.h"
 #include "cli/CliDesktop.h"
 #include "settings/Settings.h"
 

@@ -24,7 +24,7 @@ void RunHelpCommand(Desktop& desktop, std::string_view item) {
     }
 }
 
-void OptAss(Editor& editor) {
+void AssociateWithImgFiles(Editor& editor) {
     (void)RegisterFileAssociation();
     editor.desktop().SetStatus(editor.text("fileReg"));
 }

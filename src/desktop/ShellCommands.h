@@ -2,7 +2,7 @@
 // status text after registering itself as the opener of ".img" files.
 #pragma once
 
-#include "archive/Editor.h"
+#include "window/Editor.h"
 
 #include <optional>
 #include <string>
@@ -19,6 +19,6 @@ void RunHelpCommand(Desktop& desktop, std::string_view item);
 
 // OptAss: registers the association, then text(`fileReg`) whatever happened
 // (a desktop that refuses the change is not the person's concern here).
-void OptAss(Editor& editor);
+void AssociateWithImgFiles(Editor& editor);
 
 } // namespace korvel

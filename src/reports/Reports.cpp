@@ -4,7 +4,7 @@
 #include "archive/Names.h"
 #include "platform/FileSystem.h"
 #include "platform/LocalTime.h"
-#include "reports/AnsiFile.h"
+#include "platform/TextFile.h"
 
 #include <array>
 #include <ctime>
@@ -173,11 +173,11 @@ std::vector<std::string> ReportLines(const Editor& editor, ReportKind kind,
     return lines;
 }
 
-void EditSave(Editor& editor) {
+void SaveTextReportAskingPath(Editor& editor) {
     SaveReport(editor, ReportKind::Text);
 }
 
-void EditSaveHtml(Editor& editor) {
+void SaveHtmlReportAskingPath(Editor& editor) {
     SaveReport(editor, ReportKind::Html);
 }
 

@@ -4,7 +4,7 @@
 // entries in row order. Files are Windows-1252 with CR LF line ends.
 #pragma once
 
-#include "archive/Editor.h"
+#include "window/Editor.h"
 
 #include <cstdint>
 #include <string>
@@ -32,7 +32,7 @@ std::vector<std::string> ReportLines(const Editor& editor, ReportKind kind,
 
 // The commands: choose a file (asking before replacing one), write the
 // report, and say so in the status bar.
-void EditSave(Editor& editor);
-void EditSaveHtml(Editor& editor);
+void SaveTextReportAskingPath(Editor& editor);
+void SaveHtmlReportAskingPath(Editor& editor);
 
 } // namespace korvel

@@ -3,7 +3,7 @@
 // `korvel-cli find`.
 #pragma once
 
-#include "archive/Editor.h"
+#include "window/Editor.h"
 
 #include <cstddef>
 #include <optional>

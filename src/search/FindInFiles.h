@@ -4,7 +4,7 @@
 // folder (where viewing finds them too) and read from there.
 #pragma once
 
-#include "archive/Editor.h"
+#include "window/Editor.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #include "search/Results.h"
 
 #include "platform/FileSystem.h"
-#include "reports/AnsiFile.h"
+#include "platform/TextFile.h"
 
 namespace korvel {
 

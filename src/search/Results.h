@@ -3,7 +3,7 @@
 // 1-based, as the windows show them, and are those of the time of the search.
 #pragma once
 
-#include "archive/Editor.h"
+#include "window/Editor.h"
 
 #include <cstddef>
 #include <optional>

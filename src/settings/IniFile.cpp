@@ -1,6 +1,6 @@
 #include "settings/IniFile.h"
 
-#include "archive/Names.h"
+#include "platform/Cp1252.h"
 #include "platform/FileSystem.h"
 
 #include <map>

@@ -1,6 +1,6 @@
 #include "settings/Settings.h"
 
-#include "archive/Names.h"
+#include "platform/Cp1252.h"
 #include "platform/FileSystem.h"
 #include "platform/LocalTime.h"
 #include "settings/IniFile.h"

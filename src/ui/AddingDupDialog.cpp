@@ -41,16 +41,16 @@ AddingDupDialog::AddingDupDialog(Settings& settings, QWidget* parent)
     : QDialog(parent), settings_(settings) {
     setObjectName(QStringLiteral("addingDup"));
     setWindowTitle(QStringLiteral(" Duplicate file found"));
-    label1_ =
+    questionLabel_ =
         NamedLabel("Label1", "A duplicate of the file your adding to the archive was found.", this);
-    label1_->setWordWrap(true);
-    label2_ = NamedLabel("Label2", "What would you like to do?", this);
-    label3_ = NamedLabel("Label3", "Conflicting file:", this);
-    label4_ = NamedLabel("Label4", "X", this);
-    label4_->setTextFormat(Qt::PlainText);
-    QFont bold = label4_->font();
+    questionLabel_->setWordWrap(true);
+    choiceLabel_ = NamedLabel("Label2", "What would you like to do?", this);
+    conflictCaptionLabel_ = NamedLabel("Label3", "Conflicting file:", this);
+    conflictNameLabel_ = NamedLabel("Label4", "X", this);
+    conflictNameLabel_->setTextFormat(Qt::PlainText);
+    QFont bold = conflictNameLabel_->font();
     bold.setBold(true);
-    label4_->setFont(bold);
+    conflictNameLabel_->setFont(bold);
 
     group_ = new QButtonGroup(this);
     for (std::size_t i = 0; i < Options.size(); ++i) {
@@ -68,11 +68,11 @@ AddingDupDialog::AddingDupDialog(Settings& settings, QWidget* parent)
     connect(doThis_, &QPushButton::clicked, this, &AddingDupDialog::doThisClicked);
 
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(label1_);
-    layout->addWidget(label2_);
+    layout->addWidget(questionLabel_);
+    layout->addWidget(choiceLabel_);
     auto* conflict = new QHBoxLayout;
-    conflict->addWidget(label3_);
-    conflict->addWidget(label4_, 1);
+    conflict->addWidget(conflictCaptionLabel_);
+    conflict->addWidget(conflictNameLabel_, 1);
     layout->addLayout(conflict);
     for (QRadioButton* option : options_) {
         layout->addWidget(option);
@@ -90,9 +90,9 @@ void AddingDupDialog::load(const QString& conflictingName) {
         return QString::fromStdString(settings_.LookupText(key));
     };
     setWindowTitle(QStringLiteral(" ") + text("dup0"));
-    label1_->setText(text("dup1"));
-    label2_->setText(text("dup2"));
-    label3_->setText(text("dup7"));
+    questionLabel_->setText(text("dup1"));
+    choiceLabel_->setText(text("dup2"));
+    conflictCaptionLabel_->setText(text("dup7"));
     dontPrompt_->setText(text("dup8"));
     // With an unknown addingOpt no option is selected, and Ok then does
     // nothing until one is picked.
@@ -104,10 +104,10 @@ void AddingDupDialog::load(const QString& conflictingName) {
     }
     group_->setExclusive(true);
     dontPrompt_->setChecked(NumberSetting(settings_.ReadSetting("scanPrompt")) == 1);
-    label4_->setText(conflictingName);
+    conflictNameLabel_->setText(conflictingName);
     // Opened as the settings window there is no conflicting file to show.
-    label3_->setVisible(!conflictingName.isEmpty());
-    label4_->setVisible(!conflictingName.isEmpty());
+    conflictCaptionLabel_->setVisible(!conflictingName.isEmpty());
+    conflictNameLabel_->setVisible(!conflictingName.isEmpty());
     adjustSize();
 }
 

@@ -35,10 +35,10 @@ private:
     void doThisClicked();
 
     Settings& settings_;
-    QLabel* label1_;
-    QLabel* label2_;
-    QLabel* label3_;
-    QLabel* label4_;
+    QLabel* questionLabel_;
+    QLabel* choiceLabel_;
+    QLabel* conflictCaptionLabel_;
+    QLabel* conflictNameLabel_;
     QButtonGroup* group_;
     std::array<QRadioButton*, 4> options_{};
     QCheckBox* dontPrompt_;

@@ -3,7 +3,7 @@
 // by RowColours, so closing undoes nothing.
 #pragma once
 
-#include "archive/RowColours.h"
+#include "window/RowColours.h"
 
 #include <QDialog>
 

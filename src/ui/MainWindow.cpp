@@ -1,7 +1,7 @@
 #include "ui/MainWindow.h"
 #include "ui/WidgetUnits.h"
 
-#include "archive/MenuTree.h"
+#include "window/MenuTree.h"
 #include "platform/Folders.h"
 #include "ui/AboutBox.h"
 #include "ui/ArchiveView.h"
@@ -202,23 +202,23 @@ void MainWindow::runCommand(const QString& name) {
 void MainWindow::registerCommands() {
     Editor& e = editor_;
     MainCommands& c = commands_;
-    setCommand("FileNew", [&e] { e.FileNew(); });
-    setCommand("FileOpen", [&e] { e.FileOpen(); });
+    setCommand("FileNew", [&e] { e.NewArchiveAskingPath(); });
+    setCommand("FileOpen", [&e] { e.OpenArchiveAskingPath(); });
     for (int slot = 1; slot <= 3; ++slot) {
         setCommand(QStringLiteral("recent%1").arg(slot), [&e, slot] { e.OpenRecent(slot); });
     }
-    setCommand("FileClose", [&e] { e.FileClose(); });
-    setCommand("FileReload", [&e] { e.FileReload(); });
+    setCommand("FileClose", [&e] { e.CloseArchive(); });
+    setCommand("FileReload", [&e] { e.ReloadArchive(); });
     setCommand("FileExit", [this] { close(); });
-    setCommand("EditSelect", [&c] { c.EditSelect(); });
+    setCommand("EditSelect", [&c] { c.SelectAllEntries(); });
     for (const char* item :
          {"SelectModels", "SelectTextures", "SelectAni", "SelectCols", "SelectAllOther"}) {
         setCommand(item, [&c, item] { c.SelectByType(item); });
     }
-    setCommand("SortName", [&c] { c.SortName(); });
-    setCommand("SortOffset", [&c] { c.SortOffset(); });
-    setCommand("OptGrid", [&c] { c.OptGrid(); });
-    setCommand("OptCols", [&c] { c.OptCols(); });
+    setCommand("SortName", [&c] { c.SortByName(); });
+    setCommand("SortOffset", [&c] { c.SortByIndex(); });
+    setCommand("OptGrid", [&c] { c.ToggleGridLines(); });
+    setCommand("OptCols", [&c] { c.ToggleRowStripes(); });
     for (const char* item : {"OptAuto", "OptConDelete", "OptRebuildPrompt"}) {
         setCommand(item, [&c, item] { c.ToggleOption(item); });
     }
@@ -234,18 +234,18 @@ void MainWindow::registerCommands() {
 void MainWindow::registerEntryCommands() {
     EntryCommands& c = entries_;
     setCommand("EditView", [&c] { c.ViewSelectedEntries(); });
-    setCommand("EditExtract", [&c] { c.EditExtract(); });
-    setCommand("EditQuick", [&c] { c.EditQuick(); });
-    setCommand("EditAdd", [&c] { c.EditAdd(); });
-    setCommand("ComReplace", [&c] { c.ComReplace(); });
-    setCommand("ComRename", [&c] { c.ComRename(); });
-    setCommand("EditLowCaseName", [&c] { c.EditLowCaseName(); });
-    setCommand("EditLowCase", [&c] { c.EditLowCase(); });
-    setCommand("ConvLFName", [&c] { c.ConvLFName(); });
-    setCommand("ComDel", [&c] { c.ComDel(); });
-    setCommand("ComMove", [&c] { c.ComMove(); });
-    setCommand("ComRebuild", [&c] { c.ComRebuild(); });
-    setCommand("AddingScan", [&c] { c.AddingScan(); });
+    setCommand("EditExtract", [&c] { c.ExtractSelectedAskingFolder(); });
+    setCommand("EditQuick", [&c] { c.ExtractSelectedToLastFolder(); });
+    setCommand("EditAdd", [&c] { c.AddFilesAskingPaths(); });
+    setCommand("ComReplace", [&c] { c.ReplaceSelectedAskingFiles(); });
+    setCommand("ComRename", [&c] { c.RenameSelectedWithDialog(); });
+    setCommand("EditLowCaseName", [&c] { c.LowerCaseSelected(EntryCommands::NameCase::BeforeExtension); });
+    setCommand("EditLowCase", [&c] { c.LowerCaseSelected(EntryCommands::NameCase::Extension); });
+    setCommand("ConvLFName", [&c] { c.LowerCaseSelected(EntryCommands::NameCase::Whole); });
+    setCommand("ComDel", [&c] { c.DeleteSelectedAsking(); });
+    setCommand("ComMove", [&c] { c.MoveSelectedToEnd(); });
+    setCommand("ComRebuild", [&c] { c.RebuildAsking(); });
+    setCommand("AddingScan", [&c] { c.ToggleAddingScan(); });
     setCommand("ScanSettings", [this] { dialogs_.ShowScanSettings(); });
 }
 

@@ -4,9 +4,9 @@
 // call the engine, and the engine's menu state is mirrored into the actions.
 #pragma once
 
-#include "archive/Editor.h"
+#include "window/Editor.h"
 #include "archive/EntryCommands.h"
-#include "archive/MainCommands.h"
+#include "window/MainCommands.h"
 #include "ui/QtDesktop.h"
 #include "ui/QtEntryDialogs.h"
 

@@ -4,7 +4,7 @@
 // command), and refilled when opened again.
 #pragma once
 
-#include "platform/EntryDialogs.h"
+#include "window/EntryDialogs.h"
 
 #include <QPointer>
 

@@ -3,7 +3,7 @@
 // other way keeps the previous choice.
 #pragma once
 
-#include "platform/QuickReplaceDialogs.h"
+#include "window/QuickReplaceDialogs.h"
 #include "settings/Settings.h"
 
 #include <QDialog>

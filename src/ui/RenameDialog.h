@@ -4,7 +4,7 @@
 // blank name and keeps the dialog open.
 #pragma once
 
-#include "platform/EntryDialogs.h"
+#include "window/EntryDialogs.h"
 
 #include <QDialog>
 

@@ -26,9 +26,9 @@ SearchCommands::SearchCommands(MainWindow& main) : QObject(&main), main_(main) {
     Editor& editor = main.editor();
     main.setCommand("EditFind", [this] { Open(main_, search_); });
     main.setCommand("EditFindIn", [this] { Open(main_, searchFiles_); });
-    main.setCommand("ComCheck", [&editor] { ComCheck(editor); });
-    main.setCommand("EditSave", [&editor] { EditSave(editor); });
-    main.setCommand("EditSaveHtml", [&editor] { EditSaveHtml(editor); });
+    main.setCommand("ComCheck", [&editor] { CheckArchiveAsking(editor); });
+    main.setCommand("EditSave", [&editor] { SaveTextReportAskingPath(editor); });
+    main.setCommand("EditSaveHtml", [&editor] { SaveHtmlReportAskingPath(editor); });
 }
 
 SearchWindow* SearchCommands::searchWindow() const {

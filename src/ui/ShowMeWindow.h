@@ -4,7 +4,7 @@
 // commands; the window never changes the archive itself.
 #pragma once
 
-#include "archive/ShowMe.h"
+#include "window/ShowMe.h"
 
 #include <QWidget>
 

@@ -1,7 +1,7 @@
 #include "ui/ToolWindows.h"
 
 #include "archive/Marker.h"
-#include "archive/ShowMe.h"
+#include "window/ShowMe.h"
 #include "desktop/ShellCommands.h"
 #include "ui/LineColorsDialog.h"
 #include "ui/MainWindow.h"
@@ -15,15 +15,15 @@ ToolWindows::ToolWindows(MainWindow& main)
       rowColours_(main.editor(), [&main] { main.commands().PaintRowStripes(); }) {
     setObjectName(QStringLiteral("toolWindows"));
     Editor& editor = main.editor();
-    main.setCommand("CmdGroupReplace", [this] { quickReplace_.CmdGroupReplace(); });
+    main.setCommand("CmdGroupReplace", [this] { quickReplace_.QuickReplaceSelected(); });
     main.setCommand("EditInsertMarker",
-                    [&main, &editor] { EditInsertMarker(main.entryCommands(), editor); });
+                    [&main, &editor] { InsertMarker(main.entryCommands(), editor); });
     main.setCommand("OptsPick", [this] { optsPick(); });
     for (const ShowMeFamily& family : ShowMeFamilies) {
         const char* item = family.item.data();
         main.setCommand(QString::fromLatin1(item), [this, item] { showMe(item); });
     }
-    main.setCommand("OptAss", [&editor] { OptAss(editor); });
+    main.setCommand("OptAss", [&editor] { AssociateWithImgFiles(editor); });
     for (const char* item : {"HelpHome", "HelpCheckWeb", "HelpHelp"}) {
         main.setCommand(QString::fromLatin1(item),
                         [&editor, item] { RunHelpCommand(editor.desktop(), item); });

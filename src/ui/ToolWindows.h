@@ -5,7 +5,7 @@
 #pragma once
 
 #include "archive/QuickReplace.h"
-#include "archive/RowColours.h"
+#include "window/RowColours.h"
 #include "ui/QuickReplaceDialog.h"
 
 #include <QObject>

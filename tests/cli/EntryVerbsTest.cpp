@@ -99,19 +99,19 @@ TEST_F(EntryVerbs, EachVerbChangesTheArchiveAsTheWindowDoes) {
          {{"--all"},
           [&](EntryCommands& c, Editor& e) {
               e.table().selectAll();
-              c.ConvLFName();
+              c.LowerCaseSelected(EntryCommands::NameCase::Whole);
           }}},
         {"lowercase",
          {{"--name", "car.dff", "bus.txd"},
           [&](EntryCommands& c, Editor& e) {
               select(e, {0, 1, 2});
-              c.EditLowCaseName();
+              c.LowerCaseSelected(EntryCommands::NameCase::BeforeExtension);
           }}},
         {"lowercase",
          {{"--extension", "car.dff"},
           [&](EntryCommands& c, Editor& e) {
               select(e, {0, 2});
-              c.EditLowCase();
+              c.LowerCaseSelected(EntryCommands::NameCase::Extension);
           }}},
         {"delete",
          {{"CAR.DFF"},

@@ -1,7 +1,7 @@
 #include "CliRunner.h"
 #include "ScriptedDesktop.h"
 #include "TestFolder.h"
-#include "archive/Editor.h"
+#include "window/Editor.h"
 #include "reports/Reports.h"
 
 #include <gtest/gtest.h>
@@ -87,7 +87,7 @@ std::string WindowReport(const test::TestFolder& folder, const std::string& img,
     const std::string out = (folder / "window.out").string();
     fs::remove(out);
     desktop.answer({out});
-    html ? EditSaveHtml(editor) : EditSave(editor);
+    html ? SaveHtmlReportAskingPath(editor) : SaveTextReportAskingPath(editor);
     std::string bytes = test::ReadBytes(out);
     const auto dateLine = [&](const std::string& text) {
         std::size_t at = 0;

@@ -103,8 +103,8 @@ TEST_F(ToolVerbs, MarkerAppendsOneEachTimeAsTheWindowDoes) {
         EXPECT_EQ(result.out, "");
     }
     const std::string engine = viaEngine([](Editor& editor, EntryCommands& commands) {
-        EXPECT_TRUE(EditInsertMarker(commands, editor));
-        EXPECT_TRUE(EditInsertMarker(commands, editor));
+        EXPECT_TRUE(InsertMarker(commands, editor));
+        EXPECT_TRUE(InsertMarker(commands, editor));
     });
     EXPECT_EQ(pair(cli), pair(engine));
     const auto records = DecodeDirectory(pair(cli).second);

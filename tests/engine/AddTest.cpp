@@ -37,7 +37,7 @@ TEST_F(Add, EditAddPutsTextureDictionariesLastAndRemembersTheFolder) {
     open({}, 0);
     const std::string a = input("a.txd", "A"), b = input("b.dff", "B"), c = input("c.TXD", "C");
     desktop.answer({a + "|" + b + "|" + c});
-    commands.EditAdd();
+    commands.AddFilesAskingPaths();
 
     EXPECT_EQ(names(), (std::vector<std::string>{"b.dff", "a.txd", "c.TXD"}));
     EXPECT_EQ(records(), tableRecords());
@@ -54,7 +54,7 @@ TEST_F(Add, EditAddPutsTextureDictionariesLastAndRemembersTheFolder) {
     // One file: its folder with the separator, and adding5.
     desktop.conversation.clear();
     desktop.answer({input("d.col", "D")});
-    commands.EditAdd();
+    commands.AddFilesAskingPaths();
     EXPECT_EQ(settings.ReadSetting("lastAdd"), (folder / "in").string() + "/");
     EXPECT_EQ(desktop.status, text("adding5"));
 
@@ -62,7 +62,7 @@ TEST_F(Add, EditAddPutsTextureDictionariesLastAndRemembersTheFolder) {
     const std::string img0 = imgBytes(), dir0 = dirBytes();
     settings.WriteSetting("keep", "lastAdd");
     desktop.answer({Cancel});
-    commands.EditAdd();
+    commands.AddFilesAskingPaths();
     EXPECT_EQ(imgBytes(), img0);
     EXPECT_EQ(dirBytes(), dir0);
     EXPECT_EQ(settings.ReadSetting("lastAdd"), "keep");
@@ -128,7 +128,7 @@ TEST_F(Add, DontPromptAgainAndTheMarkerAndNameOrder) {
 
     // Switching the scan off adds duplicates as they come.
     editor.menu().setChecked("AddingScan", true);
-    commands.AddingScan();
+    commands.ToggleAddingScan();
     EXPECT_EQ(settings.ReadSetting("addingScan"), "False");
     EXPECT_EQ(commands.AddFileBatch({b}), 0u);
     EXPECT_EQ(names(),

@@ -25,7 +25,7 @@ TEST_F(ArchiveCheckTest, ListsEveryPairAtItsEarlierRowAndCopiesTheReport) {
           "caf\xE9.col", "caf\xE9.col"});
     desktop.clipboard = "before";
     desktop.answer({"yes"});
-    ComCheck(editor);
+    CheckArchiveAsking(editor);
 
     const std::string report =
         text("aCheck2") + "\r\nabc.dff\r\nabc.dff\r\nx.txd\r\nabc.dff\r\ncaf\xC3\xA9.col";
@@ -52,7 +52,7 @@ TEST_F(ArchiveCheckTest, NothingFoundLeavesTheClipboardAlone) {
         open(names);
         desktop.clipboard = "before";
         desktop.answer({"yes"});
-        ComCheck(editor);
+        CheckArchiveAsking(editor);
         EXPECT_EQ(desktop.clipboard, "before");
         EXPECT_EQ(desktop.said("message"),
                   (std::vector<std::string>{"message(Information) " + text("aCheck6") + ": " +
@@ -65,7 +65,7 @@ TEST_F(ArchiveCheckTest, AnsweringNoOnlySetsTheStatus) {
     open({"a.dff", "a.dff"});
     desktop.clipboard = "before";
     desktop.answer({"no"});
-    ComCheck(editor);
+    CheckArchiveAsking(editor);
     EXPECT_EQ(desktop.clipboard, "before");
     EXPECT_EQ(desktop.conversation.size(), 2u);
     EXPECT_EQ(desktop.conversation.back(), "status: " + text("aCheck6"));

@@ -14,7 +14,7 @@ TEST_F(DeleteMove, DeletingRemovesRecordsButKeepsTheData) {
     const std::string img0 = imgBytes();
     settings.WriteSetting("False", "deleteProm");
     select({1, 2});
-    commands.ComDel();
+    commands.DeleteSelectedAsking();
 
     EXPECT_EQ(names(), (std::vector<std::string>{"r1", "r4", "r5"}));
     EXPECT_EQ(records(), tableRecords());
@@ -36,7 +36,7 @@ TEST_F(DeleteMove, TheProgressBarShowsFromElevenRows) {
         open(rows, count * SectorSize);
         settings.WriteSetting("False", "deleteProm");
         editor.table().selectAll();
-        commands.ComDel();
+        commands.DeleteSelectedAsking();
         const auto shown = desktop.said("progress shown");
         EXPECT_EQ(shown.size(), count > 10 ? 1u : 0u) << count;
         if (count > 10) {
@@ -55,20 +55,20 @@ TEST_F(DeleteMove, TheConfirmationDecides) {
     const std::string dir0 = dirBytes();
     select({0, 4});
     desktop.answer({"no"});
-    commands.ComDel();
+    commands.DeleteSelectedAsking();
     EXPECT_EQ(desktop.said("ask"),
               (std::vector<std::string>{"ask " + text("del3") + ": " + text("del1") + " 2 " +
                                         text("del2") + " -> no"}));
     EXPECT_EQ(dirBytes(), dir0);
     EXPECT_EQ(settings.ReadSetting("archiveState"), "peachy");
     desktop.answer({"yes"});
-    commands.ComDel();
+    commands.DeleteSelectedAsking();
     EXPECT_EQ(names(), (std::vector<std::string>{"r2", "r3", "r4"}));
 
     // Nothing selected: not even a question.
     desktop.conversation.clear();
     editor.table().clearSelection();
-    commands.ComDel();
+    commands.DeleteSelectedAsking();
     EXPECT_TRUE(desktop.conversation.empty());
 }
 
@@ -76,7 +76,7 @@ TEST_F(DeleteMove, MovingKeepsPlacementAndChangesOnlyTheOrder) {
     open(Five(), 5 * SectorSize);
     const std::string img0 = imgBytes();
     select({1, 3});
-    commands.ComMove();
+    commands.MoveSelectedToEnd();
 
     EXPECT_EQ(names(), (std::vector<std::string>{"r1", "r3", "r5", "r2", "r4"}));
     EXPECT_EQ(tableRecords(),
@@ -90,7 +90,7 @@ TEST_F(DeleteMove, MovingKeepsPlacementAndChangesOnlyTheOrder) {
 
     // The last row together with others moves too, behind them.
     select({0, 4});
-    commands.ComMove();
+    commands.MoveSelectedToEnd();
     EXPECT_EQ(names(), (std::vector<std::string>{"r3", "r5", "r2", "r1", "r4"}));
 }
 
@@ -98,7 +98,7 @@ TEST_F(DeleteMove, MovingOnlyTheLastRowOrNothing) {
     open(Five(), 5 * SectorSize);
     const std::string dir0 = dirBytes();
     select({4});
-    commands.ComMove();
+    commands.MoveSelectedToEnd();
     EXPECT_EQ(desktop.said("message"),
               (std::vector<std::string>{"message(Information) " + text("move2") + ": " +
                                         text("move1") + "\r\nDe dum de de, de diddle dum."}));
@@ -106,7 +106,7 @@ TEST_F(DeleteMove, MovingOnlyTheLastRowOrNothing) {
     EXPECT_EQ(settings.ReadSetting("archiveState"), "peachy");
 
     editor.table().clearSelection();
-    commands.ComMove();
+    commands.MoveSelectedToEnd();
     EXPECT_EQ(desktop.status, text("noneSel"));
 }
 

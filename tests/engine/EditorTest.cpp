@@ -1,4 +1,4 @@
-#include "archive/Editor.h"
+#include "window/Editor.h"
 #include "ScriptedDesktop.h"
 #include "TestFolder.h"
 
@@ -74,7 +74,7 @@ TEST_F(EditorTest, NameOrderListsTheSameRecordsSorted) {
     ASSERT_TRUE(editor.OpenArchive(img));
     EXPECT_EQ(names(), (std::vector<std::string>{"a.txd", "b.dff", "c.ifp"}));
     editor.table().setOrder(EntryTable::Order::Index);
-    editor.FileReload();
+    editor.ReloadArchive();
     EXPECT_EQ(names(), (std::vector<std::string>{"b.dff", "a.txd", "c.ifp"}));
     EXPECT_EQ(desktop.status, text("reloaded"));
 }
@@ -137,7 +137,7 @@ TEST_F(EditorTest, RecentListSwapsRatherThanRotates) {
 
 TEST_F(EditorTest, RecentItemsAndReload) {
     // recent1 = "none": reloading changes nothing but still says so.
-    editor.FileReload();
+    editor.ReloadArchive();
     EXPECT_EQ(desktop.status, text("reloaded"));
     EXPECT_EQ(editor.dataPath(), "none");
     editor.OpenRecent(2);
@@ -153,7 +153,7 @@ TEST_F(EditorTest, RecentItemsAndReload) {
 
     // A recent archive that has since disappeared ends in the missing-file message.
     fs::remove(folder / "a.img");
-    editor.FileReload();
+    editor.ReloadArchive();
     EXPECT_EQ(editor.dataPath(), "none");
     EXPECT_EQ(desktop.said("message").size(), 1u);
 }
@@ -290,7 +290,7 @@ TEST_F(EditorTest, CloseOffersTheRebuildOnlyWhenAsked) {
         editor.menu().setChecked("OptRebuildPrompt", c.prompt);
         settings.WriteSetting(c.state, "archiveState");
         rebuilds = 0;
-        editor.FileClose();
+        editor.CloseArchive();
         EXPECT_EQ(rebuilds, c.rebuilds) << c.prompt << " " << c.state;
         EXPECT_EQ(editor.dataPath(), "none");
         EXPECT_TRUE(editor.table().empty());
@@ -301,13 +301,13 @@ TEST_F(EditorTest, CloseOffersTheRebuildOnlyWhenAsked) {
 TEST_F(EditorTest, FileOpenDialog) {
     const std::string img = makeArchive("o.img");
     desktop.answer({test::Cancel});
-    editor.FileOpen();
+    editor.OpenArchiveAskingPath();
     EXPECT_EQ(editor.dataPath(), "none");
     desktop.answer({test::Fail});
-    editor.FileOpen();
+    editor.OpenArchiveAskingPath();
     EXPECT_EQ(desktop.status, text("openArc2"));
     desktop.answer({img});
-    editor.FileOpen();
+    editor.OpenArchiveAskingPath();
     EXPECT_EQ(editor.dataPath(), img);
     EXPECT_EQ(desktop.said("open")[0],
               "open " + text("openArc1") + " [" + text("cdFiles1") + "] -> " + test::Cancel);
@@ -315,7 +315,7 @@ TEST_F(EditorTest, FileOpenDialog) {
 
 TEST_F(EditorTest, FileNewCreatesAnEmptyPairAndOpensIt) {
     desktop.answer({path("New.img")});
-    editor.FileNew();
+    editor.NewArchiveAskingPath();
     EXPECT_EQ(fs::file_size(folder / "New.img"), 0u);
     EXPECT_EQ(fs::file_size(folder / "New.dir"), 0u);
     EXPECT_EQ(editor.dataPath(), path("New.img"));
@@ -327,7 +327,7 @@ TEST_F(EditorTest, FileNewCreatesAnEmptyPairAndOpensIt) {
 
     // A name without the extension gets it.
     desktop.answer({path("plain")});
-    editor.FileNew();
+    editor.NewArchiveAskingPath();
     EXPECT_TRUE(fs::exists(folder / "plain.img"));
     EXPECT_TRUE(fs::exists(folder / "plain.dir"));
     EXPECT_EQ(editor.dataPath(), path("plain.img"));
@@ -339,7 +339,7 @@ TEST_F(EditorTest, FileNewAsksBeforeReplacingAndKeepsFilesOnNo) {
     const std::string dirBefore = test::ReadBytes(folder / "full.dir");
 
     desktop.answer({img, "no"});
-    editor.FileNew();
+    editor.NewArchiveAskingPath();
     EXPECT_EQ(desktop.said("ask").back(), "ask " + text("fe3") + ": " + text("fe1") + " " + img +
                                               "\n" + text("fe2") + " -> no");
     EXPECT_EQ(test::ReadBytes(folder / "full.dir"), dirBefore);
@@ -347,11 +347,11 @@ TEST_F(EditorTest, FileNewAsksBeforeReplacingAndKeepsFilesOnNo) {
     EXPECT_EQ(editor.table().size(), 3u); // the open archive stays open
 
     desktop.answer({test::Cancel});
-    editor.FileNew();
+    editor.NewArchiveAskingPath();
     EXPECT_EQ(editor.table().size(), 3u);
 
     desktop.answer({img, "yes"});
-    editor.FileNew();
+    editor.NewArchiveAskingPath();
     EXPECT_EQ(fs::file_size(folder / "full.img"), 0u);
     EXPECT_EQ(fs::file_size(folder / "full.dir"), 0u);
     EXPECT_TRUE(editor.table().empty());
@@ -359,7 +359,7 @@ TEST_F(EditorTest, FileNewAsksBeforeReplacingAndKeepsFilesOnNo) {
 
 TEST_F(EditorTest, FileNewInAFolderThatIsNotThere) {
     desktop.answer({path("no/such/folder/x.img")});
-    editor.FileNew();
+    editor.NewArchiveAskingPath();
     EXPECT_EQ(desktop.status, text("newArc3"));
     EXPECT_EQ(editor.dataPath(), "none");
 }

@@ -18,7 +18,7 @@ TEST_F(Extract, EditExtractAsksOnceAndWritesEachEntryFromItsOwnOffset) {
     fs::create_directories(folder / "out");
     desktop.answer({(folder / "out").string()});
 
-    EXPECT_EQ(commands.EditExtract(), 0u);
+    EXPECT_EQ(commands.ExtractSelectedAskingFolder(), 0u);
 
     const std::string data = imgBytes();
     EXPECT_EQ(ReadBytes(folder / "out" / "a.txd"), data.substr(SectorSize, 2 * SectorSize));
@@ -42,7 +42,7 @@ TEST_F(Extract, PastTheEndOfTheDataReadsAsZerosAndReplacesALongerFile) {
     settings.WriteSetting((folder / "out").string(), "lastExtract");
     select({0});
 
-    EXPECT_EQ(commands.EditQuick(), 0u);
+    EXPECT_EQ(commands.ExtractSelectedToLastFolder(), 0u);
 
     const std::string got = ReadBytes(folder / "out" / "tail.dff");
     ASSERT_EQ(got.size(), 4 * SectorSize);
@@ -59,7 +59,7 @@ TEST_F(Extract, ARecordClaimingAGigabytePastTheEndIsStreamed) {
     settings.WriteSetting((folder / "out").string(), "lastExtract");
     select({0});
 
-    EXPECT_EQ(commands.EditQuick(), 0u);
+    EXPECT_EQ(commands.ExtractSelectedToLastFolder(), 0u);
 
     EXPECT_EQ(FileLength(folder / "out" / "big.col"), std::uint64_t{1} << 30);
     std::string head(SectorSize + 16, '\0');
@@ -73,7 +73,7 @@ TEST_F(Extract, QuickWithoutAFolderAndACancelledDialog) {
     open({{0, 1, "a.dff"}, {1, 1, "b.dff"}}, 2 * SectorSize);
     select({0, 1});
     // No folder remembered: one message per row, no files, extract2.
-    EXPECT_EQ(commands.EditQuick(), 2u);
+    EXPECT_EQ(commands.ExtractSelectedToLastFolder(), 2u);
     const std::string message = "message(Information) " + text("menuc3") + ": " + text("extract3") +
                                 "\r\n" + text("extract4");
     EXPECT_EQ(desktop.said("message"), (std::vector<std::string>{message, message}));
@@ -84,7 +84,7 @@ TEST_F(Extract, QuickWithoutAFolderAndACancelledDialog) {
     settings.WriteSetting((folder / "last").string(), "lastExtract");
     select({0, 1});
     desktop.answer({Cancel});
-    EXPECT_EQ(commands.EditExtract(), 1u);
+    EXPECT_EQ(commands.ExtractSelectedAskingFolder(), 1u);
     EXPECT_FALSE(fs::exists(folder / "last" / "a.dff"));
     EXPECT_TRUE(fs::exists(folder / "last" / "b.dff"));
     EXPECT_EQ(settings.ReadSetting("lastExtract"), (folder / "last").string());
@@ -103,7 +103,7 @@ TEST_F(Extract, NamesThatWouldLeaveTheFolderAreRefusedAndTheRestWritten) {
     settings.WriteSetting((folder / "out").string(), "lastExtract");
     editor.table().selectAll();
 
-    EXPECT_EQ(commands.EditQuick(), 5u);
+    EXPECT_EQ(commands.ExtractSelectedToLastFolder(), 5u);
     const auto messages = desktop.said("message(Exclamation)");
     ASSERT_EQ(messages.size(), 5u);
     EXPECT_NE(messages[3].find("\"x/evil\""), std::string::npos) << messages[3];

@@ -1,5 +1,5 @@
-#include "settings/Language.h"
-#include "archive/MenuTree.h"
+#include "window/LanguageMenu.h"
+#include "window/MenuTree.h"
 
 #include "ScriptedDesktop.h"
 #include "TestFolder.h"

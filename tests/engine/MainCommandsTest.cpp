@@ -1,5 +1,5 @@
-#include "archive/MainCommands.h"
-#include "archive/MenuTree.h"
+#include "window/MainCommands.h"
+#include "window/MenuTree.h"
 #include "platform/Folders.h"
 
 #include "ScriptedDesktop.h"
@@ -277,13 +277,13 @@ TEST_F(MainFixture, SortingReloadsInTheOrderAskedFor) {
     quietSettings();
     const std::string path = archive("order.img", {"b.dff", "a.txd", "c.ifp"});
     ASSERT_TRUE(editor.OpenArchive(path));
-    commands.SortName();
+    commands.SortByName();
     EXPECT_EQ(rowNames(), (std::vector<std::string>{"a.txd", "b.dff", "c.ifp"}));
     EXPECT_EQ(settings.ReadSetting("sort"), "name");
     EXPECT_TRUE(editor.menu().isChecked("SortName"));
     EXPECT_FALSE(editor.menu().isChecked("SortOffset"));
     EXPECT_EQ(desktop.status, settings.LookupText("sort1"));
-    commands.SortOffset();
+    commands.SortByIndex();
     EXPECT_EQ(rowNames(), (std::vector<std::string>{"b.dff", "a.txd", "c.ifp"}));
     EXPECT_EQ(settings.ReadSetting("sort"), "offset");
     EXPECT_EQ(desktop.status, settings.LookupText("sort2"));
@@ -293,28 +293,28 @@ TEST_F(MainFixture, SortingWithNothingOpenReopensTheMostRecentArchive) {
     quietSettings();
     settings.WriteSetting(archive("recent.img", {"z.dff", "y.dff"}), "recent1");
     editor.LoadRecentMenu();
-    commands.SortName();
+    commands.SortByName();
     EXPECT_EQ(rowNames(), (std::vector<std::string>{"y.dff", "z.dff"}));
 }
 
 TEST_F(MainFixture, GridAndStripesFollowTheirItems) {
     quietSettings();
-    commands.OptGrid();
+    commands.ToggleGridLines();
     EXPECT_EQ(list.grid, true);
     EXPECT_EQ(settings.ReadSetting("showGrid"), "True");
-    commands.OptGrid();
+    commands.ToggleGridLines();
     EXPECT_EQ(list.grid, false);
     EXPECT_EQ(settings.ReadSetting("showGrid"), "False");
 
     settings.WriteSetting("300", "l1r");
-    commands.OptCols();
+    commands.ToggleRowStripes();
     ASSERT_TRUE(list.stripes.has_value());
     EXPECT_EQ(list.stripes->first, (Rgb{255, 233, 233}));
     EXPECT_EQ(list.stripes->second, (Rgb{255, 255, 255}));
     EXPECT_TRUE(desktop.said("message").empty());
 
     // Unchecking keeps the stripes until the next start and says so.
-    commands.OptCols();
+    commands.ToggleRowStripes();
     EXPECT_TRUE(list.stripes.has_value());
     EXPECT_EQ(settings.ReadSetting("showColors"), "False");
     EXPECT_EQ(desktop.said("message(Information) Korvel: " + settings.LookupText("color1")).size(),
@@ -370,7 +370,7 @@ TEST_F(MainFixture, EditSelectSelectsEveryRowAndCountsThem) {
         names.push_back("e" + std::to_string(i) + ".dff");
     }
     ASSERT_TRUE(editor.OpenArchive(archive("big.img", names)));
-    commands.EditSelect();
+    commands.SelectAllEntries();
     EXPECT_EQ(editor.table().selectedCount(), 5000u);
     EXPECT_EQ(desktop.status,
               settings.LookupText("select1") + " 5000 " + settings.LookupText("select2"));

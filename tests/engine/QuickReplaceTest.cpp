@@ -92,7 +92,7 @@ TEST_F(QuickReplaceTest, EachChoiceForAMissingFile) {
         }
         const std::string before = imgBytes();
 
-        quick.CmdGroupReplace();
+        quick.QuickReplaceSelected();
 
         EXPECT_TRUE(desktop.answers.empty());
         ASSERT_EQ(qrDialogs.shown.size(), 1u);
@@ -117,14 +117,14 @@ TEST_F(QuickReplaceTest, FolderChoiceAndTheFewSelectedCases) {
     openFour();
     // Nothing selected.
     editor.table().clearSelection();
-    quick.CmdGroupReplace();
+    quick.QuickReplaceSelected();
     EXPECT_EQ(desktop.conversation, std::vector<std::string>{"status: " + text("noneSel")});
 
     // One row: the replace command's file dialog for that row.
     desktop.conversation.clear();
     select({3});
     desktop.answer({Cancel});
-    quick.CmdGroupReplace();
+    quick.QuickReplaceSelected();
     ASSERT_EQ(desktop.conversation.size(), 3u);
     EXPECT_EQ(desktop.conversation[0], "status: " + text("oneSel"));
     EXPECT_EQ(desktop.conversation[1].rfind("open " + text("rep1"), 0), 0u);
@@ -134,7 +134,7 @@ TEST_F(QuickReplaceTest, FolderChoiceAndTheFewSelectedCases) {
     const std::string before = imgBytes();
     editor.table().selectAll();
     desktop.answer({Cancel});
-    quick.CmdGroupReplace();
+    quick.QuickReplaceSelected();
     EXPECT_EQ(desktop.status, text("cancelQR"));
     EXPECT_EQ(settings.ReadSetting("lastQR"), "none");
     EXPECT_EQ(imgBytes(), before);
@@ -144,7 +144,7 @@ TEST_F(QuickReplaceTest, FolderChoiceAndTheFewSelectedCases) {
     qrDialogs.answers = {"1"};
     desktop.conversation.clear();
     desktop.answer({"yes"});
-    quick.CmdGroupReplace();
+    quick.QuickReplaceSelected();
     EXPECT_EQ(desktop.conversation.front(),
               "ask " + text("qrPickPath") + ": " + text("useLastQR") + "\r\n" + in() + " -> yes");
     EXPECT_EQ(desktop.status, summary(2, 2));
@@ -152,7 +152,7 @@ TEST_F(QuickReplaceTest, FolderChoiceAndTheFewSelectedCases) {
     // No shows the picker, and cancelling it there ends the command too.
     editor.table().selectAll();
     desktop.answer({"no", Cancel});
-    quick.CmdGroupReplace();
+    quick.QuickReplaceSelected();
     EXPECT_EQ(desktop.said("folder").back(), "folder " + text("repFrom") + " -> " + Cancel);
     EXPECT_EQ(desktop.status, text("cancelQR"));
     EXPECT_EQ(settings.ReadSetting("lastQR"), in());

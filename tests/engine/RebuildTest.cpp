@@ -61,7 +61,7 @@ TEST_F(Rebuild, TheConfirmationAndTheOfferOnClosing) {
     const std::string img0 = imgBytes(), dir0 = dirBytes();
     settings.WriteSetting("shit", "archiveState");
     desktop.answer({"no"});
-    commands.ComRebuild();
+    commands.RebuildAsking();
     EXPECT_EQ(desktop.said("ask"),
               (std::vector<std::string>{"ask " + text("menuc9") + "?: " + text("rebuild1") +
                                         "\r\n" + text("rebuild2") + " -> no"}));
@@ -73,12 +73,12 @@ TEST_F(Rebuild, TheConfirmationAndTheOfferOnClosing) {
     // offers nothing until the archive changes again.
     editor.menu().setChecked("OptRebuildPrompt", true);
     desktop.answer({"yes"});
-    editor.FileClose();
+    editor.CloseArchive();
     EXPECT_EQ(ReadBytes(folder / "a.img"), img0.substr(3 * SectorSize));
     EXPECT_EQ(settings.ReadSetting("archiveState"), "peachy");
     ASSERT_TRUE(editor.OpenArchive(img()));
     desktop.conversation.clear();
-    editor.FileClose();
+    editor.CloseArchive();
     EXPECT_TRUE(desktop.said("ask").empty());
 }
 

@@ -9,7 +9,7 @@ TEST_F(Rename, TheDialogRefusesBlankNamesAndStoresWhatWasTyped) {
     open({{0, 1, "car.dff"}, {1, 1, "bus.dff"}, {2, 1, "van.dff"}}, 3 * SectorSize);
     select({0, 1, 2});
     dialogs.renameAnswers = {"   ", " car.txd"};
-    commands.ComRename();
+    commands.RenameSelectedWithDialog();
 
     // The dialog shows the last selected row; only that row changes.
     EXPECT_EQ(dialogs.shown,
@@ -37,20 +37,20 @@ TEST_F(Rename, TheDialogRefusesBlankNamesAndStoresWhatWasTyped) {
 
 TEST_F(Rename, NameCaseCommands) {
     struct Case {
-        void (EntryCommands::*command)();
+        EntryCommands::NameCase which;
         std::vector<std::string> names;
         const char* status;
     };
     const Case cases[] = {
-        {&EntryCommands::EditLowCaseName, {"bus.DFF", "NOTES", "A.B", "KEEP.TXD"}, "1 lcase1"},
-        {&EntryCommands::EditLowCase, {"BUS.dff", "NOTES", "A.B", "KEEP.TXD"}, "1 lcase2"},
-        {&EntryCommands::ConvLFName, {"bus.dff", "notes", "a.b", "KEEP.TXD"}, "3 lcase1"},
+        {EntryCommands::NameCase::BeforeExtension, {"bus.DFF", "NOTES", "A.B", "KEEP.TXD"}, "1 lcase1"},
+        {EntryCommands::NameCase::Extension, {"BUS.dff", "NOTES", "A.B", "KEEP.TXD"}, "1 lcase2"},
+        {EntryCommands::NameCase::Whole, {"bus.dff", "notes", "a.b", "KEEP.TXD"}, "3 lcase1"},
     };
     for (const Case& c : cases) {
         open({{0, 1, "BUS.DFF"}, {1, 1, "NOTES"}, {2, 1, "A.B"}, {3, 1, "KEEP.TXD"}},
              4 * SectorSize);
         select({0, 1, 2});
-        (commands.*c.command)();
+        commands.LowerCaseSelected(c.which);
         EXPECT_EQ(names(), c.names);
         EXPECT_EQ(records(), tableRecords());
         const std::string status = c.status;

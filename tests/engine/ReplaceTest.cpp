@@ -69,7 +69,7 @@ TEST_F(Replace, ComReplaceAsksPerRowAndStopsOnCancelOrMissingFile) {
     const std::string path = input("new a.dff", Pattern(100, 'q'));
     select({0, 2});
     desktop.answer({path, Cancel});
-    commands.ComReplace();
+    commands.ReplaceSelectedAskingFiles();
 
     EXPECT_EQ(imgBytes().substr(0, 100), Pattern(100, 'q'));
     EXPECT_EQ(editor.table()[2].sizeSectors, 1u);
@@ -87,7 +87,7 @@ TEST_F(Replace, ComReplaceAsksPerRowAndStopsOnCancelOrMissingFile) {
     const std::string dirBefore = dirBytes();
     select({1});
     desktop.answer({(folder / "nothing-here").string()});
-    commands.ComReplace();
+    commands.ReplaceSelectedAskingFiles();
     EXPECT_EQ(desktop.said("message"),
               (std::vector<std::string>{"message(Information) " + text("invalidFL") + ": " +
                                         text("rep2") + " " + (folder / "nothing-here").string()}));

@@ -32,7 +32,7 @@ protected:
     std::vector<std::string> write(ReportKind kind, const std::string& out) {
         desktop.answer({out});
         const ReportFacts before = ReportFactsNow(0);
-        kind == ReportKind::Text ? EditSave(editor) : EditSaveHtml(editor);
+        kind == ReportKind::Text ? SaveTextReportAskingPath(editor) : SaveHtmlReportAskingPath(editor);
         const ReportFacts after = ReportFactsNow(0);
         EXPECT_EQ(desktop.status, t("sd7"));
         auto lines = CrLfLines(test::ReadBytes(out));
@@ -168,7 +168,7 @@ TEST_F(ReportsTest, ChoosingTheFile) {
     const std::string out = (folder / "r.txt").string();
     test::WriteBytes(out, std::string(50'000, '#'));
     desktop.answer({out, "no", out, "yes"});
-    EditSave(editor);
+    SaveTextReportAskingPath(editor);
     const std::string save = "save " + t("menub10") + " [" + t("cdFiles3") + "] -> " + out;
     const std::string ask = "ask " + t("fe2") + ": " + out + "\r\n" + t("fe3");
     EXPECT_EQ(desktop.conversation,
@@ -181,23 +181,23 @@ TEST_F(ReportsTest, ChoosingTheFile) {
     // Cancel and an empty name: nothing written, nothing said.
     desktop.conversation.clear();
     desktop.answer({test::Cancel, ""});
-    EditSaveHtml(editor);
-    EditSaveHtml(editor);
+    SaveHtmlReportAskingPath(editor);
+    SaveHtmlReportAskingPath(editor);
     EXPECT_EQ(desktop.conversation.size(), 2u);
 
     // A failing dialog, a missing data file, a file that cannot be created.
     desktop.conversation.clear();
     desktop.answer({test::Fail});
-    EditSave(editor);
+    SaveTextReportAskingPath(editor);
     EXPECT_EQ(desktop.status, t("sd8"));
     desktop.status.clear();
     desktop.answer({(folder / "no-such-folder" / "r.txt").string()});
-    EditSave(editor);
+    SaveTextReportAskingPath(editor);
     EXPECT_EQ(desktop.status, t("sd8"));
     fs::remove(img());
     desktop.status.clear();
     desktop.answer({(folder / "r2.txt").string()});
-    EditSave(editor);
+    SaveTextReportAskingPath(editor);
     EXPECT_EQ(desktop.status, t("sd8"));
 }
 

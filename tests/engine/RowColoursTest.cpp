@@ -1,4 +1,4 @@
-#include "archive/RowColours.h"
+#include "window/RowColours.h"
 #include "EntryFixture.h"
 
 namespace korvel::test {

@@ -26,7 +26,7 @@ TEST_F(ShellCommands, OptAssRegistersThenSaysSo) {
     setenv("HOME", folder.path().c_str(), 1);
     unsetenv("XDG_DATA_HOME");
     unsetenv("XDG_CONFIG_HOME");
-    OptAss(editor);
+    AssociateWithImgFiles(editor);
     setenv("HOME", oldHome.c_str(), 1);
     EXPECT_TRUE(std::filesystem::exists(folder / ".config/mimeapps.list"));
     EXPECT_EQ(desktop.conversation, std::vector<std::string>{"status: " + text("fileReg")});

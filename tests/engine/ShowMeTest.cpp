@@ -1,4 +1,4 @@
-#include "archive/ShowMe.h"
+#include "window/ShowMe.h"
 #include "EntryFixture.h"
 
 namespace korvel::test {

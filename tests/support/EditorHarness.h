@@ -4,7 +4,7 @@
 
 #include "ScriptedDesktop.h"
 #include "TestFolder.h"
-#include "archive/Editor.h"
+#include "window/Editor.h"
 
 #include <gtest/gtest.h>
 

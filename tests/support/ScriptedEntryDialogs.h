@@ -4,7 +4,7 @@
 // shown is recorded; one shown with no answer left throws.
 #pragma once
 
-#include "platform/EntryDialogs.h"
+#include "window/EntryDialogs.h"
 #include "settings/Settings.h"
 
 #include <deque>

@@ -103,7 +103,7 @@ void RecordEntryCommands(MainWindow& w, QStringList& ran) {
 void ExpectPlaceholderInert(MainWindow& w, ResultWindow* window, QStringList& ran,
                             std::initializer_list<const char*> items) {
     ran.clear();
-    w.commands().EditSelect();
+    w.commands().SelectAllEntries();
     const QList<int> all = MainSelection(w);
     window->results()->selectAll();
     QTest::keyClick(window->results(), Qt::Key_Return);
@@ -349,7 +349,7 @@ void FindWindowsTest::searchResultsActOnTheMainList() {
                           "police.dff|9"}));
 
     // Enter in the list: exactly the chosen rows, whatever was selected before.
-    w.commands().EditSelect();
+    w.commands().SelectAllEntries();
     SelectResults(window, {2, 4});
     QTest::keyClick(window->results(), Qt::Key_Return);
     QCOMPARE(MainSelection(w), (QList<int>{5, 9}));

@@ -1,6 +1,6 @@
 #include "UiSupport.h"
 
-#include "archive/MenuTree.h"
+#include "window/MenuTree.h"
 #include "platform/Folders.h"
 #include "ui/ArchiveView.h"
 #include "ui/EntryModel.h"

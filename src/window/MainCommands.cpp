@@ -1,11 +1,11 @@
-#include "archive/MainCommands.h"
+#include "window/MainCommands.h"
 
 #include "archive/EntryCommands.h"
 #include "archive/Marker.h"
-#include "archive/MenuTree.h"
+#include "window/MenuTree.h"
 #include "archive/Names.h"
 #include "platform/Folders.h"
-#include "settings/Language.h"
+#include "window/LanguageMenu.h"
 
 #include <algorithm>
 #include <array>
@@ -185,7 +185,7 @@ void MainCommands::SwitchLanguage(int slot) {
     menu.setChecked(slotName, true);
     list_.ClearColumnHeaders();
     AddListColumnHeaders();
-    editor_.FileReload();
+    editor_.ReloadArchive();
     editor_.desktop().SetStatus(editor_.settings().ReadSetting("language") + " " + text("sd5"));
 }
 
@@ -195,26 +195,26 @@ void MainCommands::Sort(EntryTable::Order order) {
     editor_.menu().setChecked("SortOffset", !byName);
     editor_.settings().WriteSetting(byName ? "name" : "offset", "sort");
     editor_.table().setOrder(order);
-    editor_.FileReload();
+    editor_.ReloadArchive();
     editor_.FindHighestOffset();
     editor_.desktop().SetStatus(text(byName ? "sort1" : "sort2"));
 }
 
-void MainCommands::SortName() {
+void MainCommands::SortByName() {
     Sort(EntryTable::Order::Name);
 }
-void MainCommands::SortOffset() {
+void MainCommands::SortByIndex() {
     Sort(EntryTable::Order::Index);
 }
 
-void MainCommands::OptGrid() {
+void MainCommands::ToggleGridLines() {
     const bool shown = !editor_.menu().isChecked("OptGrid");
     editor_.menu().setChecked("OptGrid", shown);
     editor_.settings().WriteSetting(shown ? "True" : "False", "showGrid");
     list_.SetGridLines(shown);
 }
 
-void MainCommands::OptCols() {
+void MainCommands::ToggleRowStripes() {
     if (editor_.menu().isChecked("OptCols")) {
         editor_.menu().setChecked("OptCols", false);
         editor_.settings().WriteSetting("False", "showColors");
@@ -254,7 +254,7 @@ void MainCommands::ClearSelection() {
     editor_.table().clearSelection();
 }
 
-void MainCommands::EditSelect() {
+void MainCommands::SelectAllEntries() {
     ClearSelection();
     editor_.table().selectAll();
     editor_.desktop().SetStatus(text("select1") + " " + std::to_string(editor_.table().size()) +

@@ -4,7 +4,7 @@
 // calls and shows the list as the ListAppearance calls tell it.
 #pragma once
 
-#include "archive/Editor.h"
+#include "window/Editor.h"
 
 #include <optional>
 #include <string>
@@ -57,15 +57,15 @@ public:
     // Slot 1..7 of the Language menu.
     void SwitchLanguage(int slot);
 
-    void SortName();
-    void SortOffset();
-    void OptGrid();
-    void OptCols();
+    void SortByName();
+    void SortByIndex();
+    void ToggleGridLines();
+    void ToggleRowStripes();
     void PaintRowStripes();
     void Resized();
 
     void ClearSelection();
-    void EditSelect();
+    void SelectAllEntries();
     // SelectModels, SelectTextures, SelectAni, SelectCols, SelectAllOther.
     void SelectByType(std::string_view item);
 

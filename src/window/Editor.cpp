@@ -1,4 +1,4 @@
-#include "archive/Editor.h"
+#include "window/Editor.h"
 
 #include "archive/Format.h"
 #include "archive/RebuildJournal.h"
@@ -38,32 +38,22 @@ Editor::Editor(Desktop& desktop, Settings& settings, std::filesystem::path edito
     : desktop_(desktop), settings_(settings), editorFolder_(std::move(editorFolder)) {}
 
 void Editor::FindHighestOffset() {
-    highestOffset_ = table_.highestOffset();
+    archive_.FindHighestOffset();
 }
 
 bool Editor::WriteDirectory() {
-    std::vector<DirRecord> records;
-    records.reserve(table_.size());
-    for (std::size_t row = 0; row < table_.size(); ++row) {
-        if (table_[row].name.size() > NameFieldSize) {
-            table_.setName(row, table_[row].name.substr(0, NameFieldSize));
-        }
+    const Status status = archive_.WriteDirectory();
+    if (!status.ok()) {
+        desktop_.ShowMessage(text("ohCrap1") + " " + status.error(), "Error",
+                             MessageIcon::Exclamation);
     }
-    for (const Entry& entry : table_.rows()) {
-        records.push_back({entry.startSector, entry.sizeSectors, entry.name});
-    }
-    const FsError error = WriteFileAtomically(dirPath_, EncodeDirectory(records));
-    if (!error.empty()) {
-        desktop_.ShowMessage(text("ohCrap1") + " " + error, "Error", MessageIcon::Exclamation);
-        return false;
-    }
-    return true;
+    return status.ok();
 }
 
 void Editor::AssignTypeIcons() {
     // Icons follow from the names (TypeOfName); the view asks for them when it
     // draws, so assigning them means telling it that every row may look new.
-    table_.refreshAll();
+    table().refreshAll();
 }
 
 void Editor::EnableArchiveCommands() {
@@ -73,11 +63,8 @@ void Editor::EnableArchiveCommands() {
 }
 
 void Editor::ResetToClosed() {
-    table_.clear();
+    archive_.Close();
     desktop_.SetStatus(text("stats2"));
-    dataPath_ = NoPath;
-    dirPath_ = NoPath;
-    highestOffset_ = 0;
     for (const std::string& name : ArchiveCommandNames()) {
         menu_.setEnabled(name, false);
     }
@@ -85,14 +72,14 @@ void Editor::ResetToClosed() {
 }
 
 void Editor::AddPlaceholderRow() {
-    table_.setPlaceholder(true);
+    table().setPlaceholder(true);
 }
 
 bool Editor::OpenArchive(const std::string& path) {
     // A rebuild cut short is finished or cleared before anything is read.
     RecoverInterruptedRebuild(path);
-    dataPath_ = path;
-    dirPath_ = DirectoryPathFor(path).string();
+    const std::string& newData = path;
+    const std::string newDir = DirectoryPathFor(path).string();
 
     const auto failMissing = [&](const std::string& message, const std::string& missing) {
         desktop_.ShowMessage(message + "\n" + missing, text("invalidFL"), MessageIcon::Information);
@@ -100,59 +87,32 @@ bool Editor::OpenArchive(const std::string& path) {
         AddPlaceholderRow();
         return false;
     };
-    if (!FileExists(dataPath_)) {
-        return failMissing(text("openArchive1"), dataPath_);
+    if (!FileExists(newData)) {
+        return failMissing(text("openArchive1"), newData);
     }
-    if (!FileExists(dirPath_)) {
-        return failMissing(text("openArchive2"), dirPath_);
+    if (!FileExists(newDir)) {
+        return failMissing(text("openArchive2"), newDir);
     }
 
-    if (IsReadOnly(dataPath_) || IsReadOnly(dirPath_)) {
+    if (IsReadOnly(newData) || IsReadOnly(newDir)) {
         const std::string question =
             text("openArchive3") + "\n" + text("openArchive4") + "\n" + text("openArchive5");
         if (desktop_.AskYesNo(question, "")) {
-            ClearAttributes(dataPath_);
-            ClearAttributes(dirPath_);
+            ClearAttributes(newData);
+            ClearAttributes(newDir);
         }
     }
 
-    const auto failRead = [&](const std::string& description) {
-        desktop_.ShowMessage(description, "", MessageIcon::None);
+    if (const Status read = archive_.ReadDirectory(newData, newDir); !read.ok()) {
+        desktop_.ShowMessage(read.error(), "", MessageIcon::None);
         ResetToClosed();
         AddPlaceholderRow();
         return false;
-    };
-    // Check the length before reading, so a huge file is refused without
-    // reading it into memory.
-    const auto length = FileLength(dirPath_);
-    if (!length) {
-        return failRead("Cannot read the directory file " + dirPath_ + ".");
     }
-    if (RecordCountForLength(*length) > MaxRecords) {
-        return failRead("The directory file " + dirPath_ + " lists more than " +
-                        std::to_string(MaxRecords) + " entries, the most an archive can hold.");
-    }
-    FsError error;
-    const auto bytes = ReadSmallFile(dirPath_, error);
-    if (!bytes) {
-        return failRead(error);
-    }
-    const std::vector<DirRecord> records = DecodeDirectory(*bytes);
-    if (records.size() > MaxRecords) {
-        return failRead("The directory file " + dirPath_ + " lists more than " +
-                        std::to_string(MaxRecords) + " entries, the most an archive can hold.");
-    }
-
-    std::vector<Entry> rows;
-    rows.reserve(records.size());
-    for (const DirRecord& record : records) {
-        rows.push_back(Entry{record.startSector, record.sizeSectors, record.name, false});
-    }
-    table_.assign(std::move(rows));
 
     PushRecent();
-    desktop_.SetStats(text("stats1") + " " + std::to_string(table_.size()));
-    desktop_.SetArchivePath(dataPath_);
+    desktop_.SetStats(text("stats1") + " " + std::to_string(table().size()));
+    desktop_.SetArchivePath(archive_.dataPath());
     ApplyRecentCheck();
     EnableArchiveCommands();
     AssignTypeIcons();
@@ -161,7 +121,7 @@ bool Editor::OpenArchive(const std::string& path) {
 }
 
 void Editor::ApplyRecentCheck() {
-    menu_.setChecked("recent1", menu_.caption("recent1") == dataPath_);
+    menu_.setChecked("recent1", menu_.caption("recent1") == dataPath());
 }
 
 void Editor::PushRecent() {
@@ -171,7 +131,7 @@ void Editor::PushRecent() {
     }
     std::size_t found = slots.size();
     for (std::size_t i = 0; i < slots.size(); ++i) {
-        if (slots[i] == dataPath_) {
+        if (slots[i] == dataPath()) {
             found = i;
             break;
         }
@@ -183,7 +143,7 @@ void Editor::PushRecent() {
         slots[2] = slots[1];
         slots[1] = slots[0];
     }
-    slots[0] = dataPath_;
+    slots[0] = dataPath();
     for (int i = 0; i < 3; ++i) {
         settings_.WriteSetting(slots[static_cast<std::size_t>(i)], RecentKey(i + 1));
     }
@@ -196,7 +156,7 @@ void Editor::LoadRecentMenu() {
     }
 }
 
-void Editor::FileOpen() {
+void Editor::OpenArchiveAskingPath() {
     const FileDialogAnswer answer =
         desktop_.OpenFileDialog({text("openArc1"), text("cdFiles1"), "", "", false});
     if (answer.outcome == FileDialogAnswer::Outcome::Failed) {
@@ -215,7 +175,7 @@ void Editor::OpenRecent(int slot) {
     }
 }
 
-void Editor::FileReload() {
+void Editor::ReloadArchive() {
     const std::string path = menu_.caption("recent1");
     if (path != NoPath) {
         OpenArchive(path);
@@ -223,7 +183,7 @@ void Editor::FileReload() {
     desktop_.SetStatus(text("reloaded"));
 }
 
-void Editor::FileClose() {
+void Editor::CloseArchive() {
     if (menu_.isChecked("OptRebuildPrompt") && settings_.ReadSetting("archiveState") == "shit" &&
         rebuildCommand_) {
         rebuildCommand_();
@@ -231,7 +191,7 @@ void Editor::FileClose() {
     ResetToClosed();
 }
 
-void Editor::FileNew() {
+void Editor::NewArchiveAskingPath() {
     const FileDialogAnswer answer =
         desktop_.SaveFileDialog({text("newArc1"), text("cdFiles1"), "", "", false});
     if (answer.outcome == FileDialogAnswer::Outcome::Failed) {

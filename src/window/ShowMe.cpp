@@ -1,6 +1,6 @@
-#include "archive/ShowMe.h"
+#include "window/ShowMe.h"
 
-#include "reports/AnsiFile.h"
+#include "platform/TextFile.h"
 #include "search/Results.h"
 
 #include <algorithm>

@@ -5,7 +5,7 @@
 // down once.
 #pragma once
 
-#include "archive/MenuState.h"
+#include "window/MenuState.h"
 
 #include <string>
 #include <string_view>

@@ -4,8 +4,8 @@
 // leaves the table, the directory file and the data file in agreement.
 #pragma once
 
-#include "archive/EntryTable.h"
-#include "archive/MenuState.h"
+#include "archive/Archive.h"
+#include "window/MenuState.h"
 #include "platform/Desktop.h"
 #include "settings/Settings.h"
 
@@ -16,7 +16,6 @@
 
 namespace korvel {
 
-inline constexpr std::string_view NoPath = "none";
 inline constexpr std::string_view StartupStatus = "Korvel 1.0";
 
 class Editor {
@@ -24,12 +23,14 @@ public:
     Editor(Desktop& desktop, Settings& settings, std::filesystem::path editorFolder);
 
     // --- session -----------------------------------------------------------
-    const std::string& dataPath() const { return dataPath_; }
-    const std::string& dirPath() const { return dirPath_; }
-    bool isOpen() const { return dataPath_ != NoPath; }
-    std::uint64_t highestOffset() const { return highestOffset_; }
-    EntryTable& table() { return table_; }
-    const EntryTable& table() const { return table_; }
+    Archive& archive() { return archive_; }
+    const Archive& archive() const { return archive_; }
+    const std::string& dataPath() const { return archive_.dataPath(); }
+    const std::string& dirPath() const { return archive_.dirPath(); }
+    bool isOpen() const { return archive_.isOpen(); }
+    std::uint64_t highestOffset() const { return archive_.highestOffset(); }
+    EntryTable& table() { return archive_.table(); }
+    const EntryTable& table() const { return archive_.table(); }
     MenuState& menu() { return menu_; }
     const MenuState& menu() const { return menu_; }
     Settings& settings() { return settings_; }
@@ -51,12 +52,12 @@ public:
     bool OpenArchive(const std::string& path);
     void PushRecent();
     void LoadRecentMenu();
-    void FileOpen();
+    void OpenArchiveAskingPath();
     // recent1..recent3: slot is 1, 2 or 3.
     void OpenRecent(int slot);
-    void FileReload();
-    void FileClose();
-    void FileNew();
+    void ReloadArchive();
+    void CloseArchive();
+    void NewArchiveAskingPath();
 
     // The rebuild command; set by the rebuild feature. Until then closing
     // offers nothing to run.
@@ -70,10 +71,7 @@ private:
     Desktop& desktop_;
     Settings& settings_;
     std::filesystem::path editorFolder_;
-    std::string dataPath_{NoPath};
-    std::string dirPath_{NoPath};
-    std::uint64_t highestOffset_ = 0;
-    EntryTable table_;
+    Archive archive_;
     MenuState menu_;
     std::function<void()> rebuildCommand_;
 };

@@ -3,8 +3,8 @@
 // shows what ShowMeList gives and saves what ShowMeLines gives.
 #pragma once
 
-#include "archive/Editor.h"
-#include "archive/MainCommands.h"
+#include "window/Editor.h"
+#include "window/MainCommands.h"
 
 #include <array>
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include "archive/MenuTree.h"
+#include "window/MenuTree.h"
 
 #include "desktop/FileAssociation.h"
 

@@ -4,7 +4,7 @@
 // the current language.
 #pragma once
 
-#include "archive/MenuState.h"
+#include "window/MenuState.h"
 #include "settings/Settings.h"
 
 #include <array>

@@ -1,6 +1,6 @@
-#include "reports/AnsiFile.h"
+#include "platform/TextFile.h"
 
-#include "archive/Names.h"
+#include "platform/Cp1252.h"
 
 #include <fstream>
 

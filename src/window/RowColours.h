@@ -3,7 +3,7 @@
 // The window only shows the swatches; everything else is here.
 #pragma once
 
-#include "archive/Editor.h"
+#include "window/Editor.h"
 
 #include <cstdint>
 #include <functional>

@@ -1,6 +1,6 @@
-#include "archive/RowColours.h"
+#include "window/RowColours.h"
 
-#include "archive/MainCommands.h"
+#include "window/MainCommands.h"
 
 #include <array>
 #include <string_view>

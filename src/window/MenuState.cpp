@@ -1,4 +1,4 @@
-#include "archive/MenuState.h"
+#include "window/MenuState.h"
 
 namespace korvel {
 

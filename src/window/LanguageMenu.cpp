@@ -1,6 +1,6 @@
-#include "settings/Language.h"
+#include "window/LanguageMenu.h"
 
-#include "archive/MenuTree.h"
+#include "window/MenuTree.h"
 #include "archive/Names.h"
 
 #include <algorithm>
