@@ -57,7 +57,7 @@ bool EntryCommands::DeleteSelected(const std::vector<Entry>& restoreOnFailure) {
         editor_.FindHighestOffset();
         return false;
     }
-    editor_.settings().WriteSetting("shit", "archiveState");
+    editor_.MarkArchiveChanged();
     desktop.SetStatus(editor_.text("del4"));
     desktop.SetStats(editor_.text("stats1") + " " + std::to_string(table.size()));
     editor_.FindHighestOffset();

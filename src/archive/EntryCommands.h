@@ -6,6 +6,7 @@
 #pragma once
 
 #include "window/Editor.h"
+#include "archive/EntryFiles.h"
 #include "archive/RebuildJournal.h"
 #include "window/EntryDialogs.h"
 #include "platform/FileSystem.h"
@@ -16,11 +17,6 @@
 #include <vector>
 
 namespace korvel {
-
-// Refuses entry names that would not stay inside the chosen folder as a file
-// name: empty, ".", "..", or holding "/", "\\" or NUL. Empty when the name is
-// safe, else a message that names the entry.
-std::string UnsafeNameProblem(const std::string& rawName);
 
 // A setting read the way a number is read from text: leading digits, else 0
 // (`scanPrompt` is "1" or "0", but the file is the person's to edit).

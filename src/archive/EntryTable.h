@@ -22,7 +22,7 @@ struct Entry {
 
     std::uint64_t byteOffset() const { return SectorToOffset(startSector); }
     std::uint64_t byteCount() const { return std::uint64_t{sizeSectors} * SectorSize; }
-    EntryType type() const { return TypeOfName(name); }
+    EntryKind type() const { return IconKindOfName(name); }
 };
 
 class EntryTableObserver {

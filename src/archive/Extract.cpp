@@ -1,5 +1,6 @@
 // Extracting entries to a folder and viewing them through the temps folder.
 #include "archive/EntryCommands.h"
+#include "archive/EntryFiles.h"
 
 #include "platform/FileCopy.h"
 #include "platform/Folders.h"
@@ -19,40 +20,7 @@ std::string Trimmed(const std::string& text) {
     return text.substr(first, last - first + 1);
 }
 
-// Copies one entry's bytes into a new file at `target`, replacing any file
-// there. Bytes past the end of the data file come out as zeros.
-FsError CopyEntryTo(const std::string& dataPath, const Entry& entry, const fs::path& target) {
-    File in;
-    if (FsError error = in.open(dataPath, File::Mode::Read); !error.empty()) {
-        return error;
-    }
-    File out;
-    if (FsError error = out.open(target, File::Mode::CreateTruncate); !error.empty()) {
-        return error;
-    }
-    if (FsError error = CopyRange(in, entry.byteOffset(), out, 0, entry.byteCount());
-        !error.empty()) {
-        return error;
-    }
-    return out.close();
-}
-
 } // namespace
-
-std::string UnsafeNameProblem(const std::string& rawName) {
-    const bool unsafe = rawName.empty() || rawName == "." || rawName == ".." ||
-                        rawName.find_first_of(std::string_view("/\\\0", 3)) != std::string::npos;
-    if (!unsafe) {
-        return {};
-    }
-    std::string shown;
-    for (char c : Cp1252ToUtf8(rawName)) {
-        shown += c == '\0' ? std::string("\\0") : std::string(1, c);
-    }
-    return "The entry \"" + shown +
-           "\" was not written: its name cannot be used as a file name, because it is empty, "
-           "\".\" or \"..\", or holds \"/\", \"\\\" or a NUL character.";
-}
 
 EntryCommands::EntryCommands(Editor& editor, EntryDialogs& dialogs)
     : editor_(editor), dialogs_(dialogs) {
@@ -127,13 +95,13 @@ bool EntryCommands::ExtractEntry(std::size_t row, ExtractMode mode) {
         }
         folder = pickedFolder_;
     }
-    if (const std::string problem = UnsafeNameProblem(entry.name); !problem.empty()) {
-        desktop.ShowMessage(problem, "Error", MessageIcon::Exclamation);
+    const auto target = EntryFileIn(folder, entry.name);
+    if (!target) {
+        desktop.ShowMessage(UnsafeNameProblem(entry.name), "Error", MessageIcon::Exclamation);
         return false;
     }
-    const fs::path target = fs::path(folder) / Cp1252ToUtf8(entry.name);
-    if (FsError error = CopyEntryTo(editor_.dataPath(), entry, target); !error.empty()) {
-        desktop.ShowMessage(editor_.text("ohCrap1") + " " + error + "\r\n" + target.string(),
+    if (const Status copied = CopyEntryToFile(editor_.archive(), entry, *target); !copied.ok()) {
+        desktop.ShowMessage(editor_.text("ohCrap1") + " " + copied.error() + "\r\n" + target->string(),
                             "Error", MessageIcon::Exclamation);
         return false;
     }
@@ -168,16 +136,16 @@ void EntryCommands::ViewSelectedEntries() {
         if (!entry.selected) {
             continue;
         }
-        if (const std::string problem = UnsafeNameProblem(entry.name); !problem.empty()) {
-            desktop.ShowMessage(problem, "Error", MessageIcon::Exclamation);
+        const auto copy = EntryFileIn(TempsFolder(), entry.name);
+        if (!copy) {
+            desktop.ShowMessage(UnsafeNameProblem(entry.name), "Error", MessageIcon::Exclamation);
             continue;
         }
-        const fs::path copy = TempsFolder() / Cp1252ToUtf8(entry.name);
         // Viewing stops quietly at the first copy that cannot be made.
-        if (!CopyEntryTo(editor_.dataPath(), entry, copy).empty()) {
+        if (!CopyEntryToFile(editor_.archive(), entry, *copy).ok()) {
             return;
         }
-        desktop.OpenWithShell(copy.string());
+        desktop.OpenWithShell(copy->string());
     }
 }
 

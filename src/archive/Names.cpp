@@ -1,5 +1,6 @@
 #include "archive/Names.h"
 
+#include "archive/Format.h"
 #include "platform/Cp1252.h"
 
 #include <algorithm>
@@ -21,30 +22,42 @@ bool NameLess(std::string_view a, std::string_view b) {
     return a < b;
 }
 
-EntryType TypeOfName(std::string_view name) {
+EntryKind IconKindOfName(std::string_view name) {
     const std::string tail = ToLowerCp1252(name.substr(name.size() >= 3 ? name.size() - 3 : 0));
     if (tail == "ifp")
-        return EntryType::Animation;
+        return EntryKind::Animation;
     if (tail == "col")
-        return EntryType::Collision;
+        return EntryKind::Collision;
     if (tail == "dff")
-        return EntryType::Model;
+        return EntryKind::Model;
     if (tail == "txd")
-        return EntryType::Texture;
-    return EntryType::Other;
+        return EntryKind::Texture;
+    return EntryKind::Other;
 }
 
-std::string_view IconKey(EntryType type) {
+EntryKind KindOfName(std::string_view name) {
+    if (name.size() < 4 || name[name.size() - 4] != '.') {
+        return EntryKind::Other;
+    }
+    // The three letters after the dot are the icon rule's three.
+    return IconKindOfName(name);
+}
+
+bool IsNameOfKind(EntryKind kind, std::string_view name) {
+    return KindOfName(name) == kind && !(kind == EntryKind::Other && name == MarkerName);
+}
+
+std::string_view IconKey(EntryKind type) {
     switch (type) {
-    case EntryType::Model:
+    case EntryKind::Model:
         return "blue";
-    case EntryType::Texture:
+    case EntryKind::Texture:
         return "orange";
-    case EntryType::Animation:
+    case EntryKind::Animation:
         return "green";
-    case EntryType::Collision:
+    case EntryKind::Collision:
         return "grey";
-    case EntryType::Other:
+    case EntryKind::Other:
         break;
     }
     return "none";

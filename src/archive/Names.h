@@ -11,15 +11,24 @@
 
 namespace korvel {
 
-enum class EntryType { Model, Texture, Animation, Collision, Other };
+// What an entry holds, judged by its name alone.
+enum class EntryKind { Model, Texture, Animation, Collision, Other };
 
 // Ascending name order of the list: case-insensitive, raw bytes break ties.
 bool NameLess(std::string_view a, std::string_view b);
 
-// Type of an entry from the last three characters of its lower-cased name
-// (so "xdff" is a model). This is the rule behind the list's icons.
-EntryType TypeOfName(std::string_view name);
-// Icon key of a type: "blue", "orange", "green", "grey" or "none".
-std::string_view IconKey(EntryType type);
+// The icon rule: the last three characters of the lower-cased name, so
+// "xdff" draws as a model. Deliberately looser than the extension rule below:
+// the list has always drawn icons this way.
+EntryKind IconKindOfName(std::string_view name);
+// The extension rule: ".dff", ".txd", ".ifp" or ".col" at the end of the
+// name, any case. Selecting by type, the show-me lists, the find filters and
+// "texture dictionaries last" all judge by this.
+EntryKind KindOfName(std::string_view name);
+// KindOfName(name) == kind, except that the marker entry is of no kind: it is
+// never selected or listed as an "other" file.
+bool IsNameOfKind(EntryKind kind, std::string_view name);
+// Icon key of a kind: "blue", "orange", "green", "grey" or "none".
+std::string_view IconKey(EntryKind kind);
 
 } // namespace korvel

@@ -251,7 +251,7 @@ bool EntryCommands::Rebuild() {
     if (!error.empty() || !open) {
         return false;
     }
-    editor_.settings().WriteSetting("peachy", "archiveState");
+    editor_.MarkArchiveRebuilt();
     desktop.SetStatus(editor_.text("rebuild5"));
     return true;
 }

@@ -46,6 +46,8 @@ public:
     Session();
     CliDesktop& desktop() { return desktop_; }
     Editor& editor() { return editor_; }
+    Archive& archive() { return editor_.archive(); }
+    Settings& settings() { return settings_; }
     // Opens the archive or returns false after printing why.
     bool open(const std::string& path);
     // The first message the engine showed, or `fallback`.

@@ -1,5 +1,7 @@
 #include "search/FindInFiles.h"
 
+#include "archive/EntryFiles.h"
+
 #include "archive/EntryCommands.h"
 #include "archive/Names.h"
 #include "platform/FileCopy.h"
@@ -88,21 +90,13 @@ bool CopyEntryToTempsFolder(Editor& editor, std::size_t row) {
         return false;
     }
     const Entry& entry = editor.table()[row - 1];
-    if (!UnsafeNameProblem(entry.name).empty()) {
+    const auto copy = EntryFileIn(TempsFolder(), entry.name);
+    if (!copy) {
         return false;
     }
     std::error_code ec;
     fs::create_directories(TempsFolder(), ec);
-    File in;
-    File out;
-    if (!in.open(editor.dataPath(), File::Mode::Read).empty() ||
-        !out.open(TempsCopy(entry.name), File::Mode::CreateTruncate).empty()) {
-        return false;
-    }
-    // Streams the entry's sectors; bytes past the end of the data file arrive
-    // as zeros, so the copy always holds exactly the entry's size.
-    return CopyRange(in, entry.byteOffset(), out, 0, entry.byteCount()).empty() &&
-           out.close().empty();
+    return CopyEntryToFile(editor.archive(), entry, *copy).ok();
 }
 
 void ReadCollisionFileNames(const std::string& fileName, std::size_t row,

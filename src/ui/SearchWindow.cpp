@@ -40,7 +40,7 @@ const ResultWindowLayout Layout{
 };
 
 QIcon IconOf(std::string_view name) {
-    return DrawTypeIcon(TypeIconColour(IconKey(TypeOfName(name))));
+    return DrawTypeIcon(TypeIconColour(IconKey(IconKindOfName(name))));
 }
 
 } // namespace

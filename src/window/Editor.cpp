@@ -51,7 +51,7 @@ bool Editor::WriteDirectory() {
 }
 
 void Editor::AssignTypeIcons() {
-    // Icons follow from the names (TypeOfName); the view asks for them when it
+    // Icons follow from the names (IconKindOfName); the view asks for them when it
     // draws, so assigning them means telling it that every row may look new.
     table().refreshAll();
 }
@@ -184,11 +184,28 @@ void Editor::ReloadArchive() {
 }
 
 void Editor::CloseArchive() {
-    if (menu_.isChecked("OptRebuildPrompt") && settings_.ReadSetting("archiveState") == "shit" &&
-        rebuildCommand_) {
+    OfferRebuild();
+    ResetToClosed();
+}
+
+// The two words are the file's own spelling, kept so existing korvel.ini
+// files keep working.
+bool Editor::ArchiveChangedSinceRebuild() const {
+    return settings_.ReadSetting("archiveState") == "shit";
+}
+
+void Editor::MarkArchiveChanged() {
+    settings_.WriteSetting("shit", "archiveState");
+}
+
+void Editor::MarkArchiveRebuilt() {
+    settings_.WriteSetting("peachy", "archiveState");
+}
+
+void Editor::OfferRebuild() {
+    if (menu_.isChecked("OptRebuildPrompt") && ArchiveChangedSinceRebuild() && rebuildCommand_) {
         rebuildCommand_();
     }
-    ResetToClosed();
 }
 
 void Editor::NewArchiveAskingPath() {

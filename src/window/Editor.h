@@ -59,6 +59,15 @@ public:
     void CloseArchive();
     void NewArchiveAskingPath();
 
+    // `archiveState` in korvel.ini: whether the archive changed (a delete or a
+    // move left unused space) since it was last rebuilt.
+    bool ArchiveChangedSinceRebuild() const;
+    void MarkArchiveChanged();
+    void MarkArchiveRebuilt();
+    // Closing and quitting offer the rebuild when the person asked for that
+    // and the archive changed; runs it when they accept.
+    void OfferRebuild();
+
     // The rebuild command; set by the rebuild feature. Until then closing
     // offers nothing to run.
     void setRebuildCommand(std::function<void()> command) { rebuildCommand_ = std::move(command); }

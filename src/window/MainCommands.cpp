@@ -16,36 +16,22 @@ namespace korvel {
 namespace fs = std::filesystem;
 namespace {
 
-std::string LastFourLower(std::string_view name) {
-    return ToLowerCp1252(name.size() > 4 ? name.substr(name.size() - 4) : name);
-}
-
 struct TypeSelection {
     std::string_view item;
-    NameKind kind;
+    EntryKind kind;
     std::string_view textKey;
 };
 
 constexpr std::array<TypeSelection, 5> TypeSelections = {{
-    {"SelectModels", NameKind::Models, "select7"},
-    {"SelectTextures", NameKind::Textures, "select8"},
-    {"SelectAni", NameKind::Animations, "select10"},
-    {"SelectCols", NameKind::Collisions, "select9"},
-    {"SelectAllOther", NameKind::Others, "select6"},
+    {"SelectModels", EntryKind::Model, "select7"},
+    {"SelectTextures", EntryKind::Texture, "select8"},
+    {"SelectAni", EntryKind::Animation, "select10"},
+    {"SelectCols", EntryKind::Collision, "select9"},
+    {"SelectAllOther", EntryKind::Other, "select6"},
 }};
 
-constexpr std::array<std::string_view, 4> KnownEndings = {".dff", ".txd", ".ifp", ".col"};
 
 } // namespace
-
-bool IsNameOfKind(NameKind kind, std::string_view name) {
-    const std::string ending = LastFourLower(name);
-    if (kind != NameKind::Others) {
-        return ending == KnownEndings[static_cast<std::size_t>(kind)];
-    }
-    return std::find(KnownEndings.begin(), KnownEndings.end(), ending) == KnownEndings.end() &&
-           name != MarkerName;
-}
 
 std::string CommandLineFromArguments(const std::vector<std::string>& arguments) {
     std::string line;
@@ -139,10 +125,7 @@ void MainCommands::ApplyStartupSettings() {
 }
 
 void MainCommands::Shutdown() {
-    if (editor_.menu().isChecked("OptRebuildPrompt") &&
-        editor_.settings().ReadSetting("archiveState") == "shit" && editor_.rebuildCommand()) {
-        editor_.rebuildCommand()();
-    }
+    editor_.OfferRebuild();
     std::error_code ec;
     for (const auto& item : fs::directory_iterator(TempsFolder(), ec)) {
         std::error_code ignored;

@@ -30,12 +30,6 @@ public:
 // every double quote removed.
 std::string CommandLineFromArguments(const std::vector<std::string>& arguments);
 
-// Entries of one kind by name, as the selection commands and the show-me
-// lists both pick them: the last four characters lower-cased, and "other"
-// for none of the four known endings that is not a marker entry.
-enum class NameKind { Models, Textures, Animations, Collisions, Others };
-bool IsNameOfKind(NameKind kind, std::string_view name);
-
 // A colour value as the stripes take it: a whole number, above 255 counting
 // as 255; nothing for anything else (negative, fractional, not a number).
 std::optional<int> ColourComponent(std::string_view value);

@@ -19,7 +19,7 @@ std::optional<ShowMeList> BuildShowMeList(const Editor& editor, std::string_view
     for (std::size_t row = 0; row < table.size(); ++row) {
         const std::string& name = table[row].name;
         if (IsNameOfKind(family->kind, name)) {
-            list.rows.push_back({name, row + 1, IconKey(TypeOfName(name))});
+            list.rows.push_back({name, row + 1, IconKey(IconKindOfName(name))});
         }
     }
     list.title = " " + editor.text(family->titleKey) + std::to_string(list.rows.size()) + "]";

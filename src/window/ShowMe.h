@@ -17,16 +17,16 @@ namespace korvel {
 
 struct ShowMeFamily {
     std::string_view item; // ShowMeModels ...
-    NameKind kind;
+    EntryKind kind;
     std::string_view titleKey;
 };
 
 inline constexpr std::array<ShowMeFamily, 5> ShowMeFamilies = {{
-    {"ShowMeModels", NameKind::Models, "show3"},
-    {"ShowMeTextures", NameKind::Textures, "show4"},
-    {"ShowMeAni", NameKind::Animations, "show1"},
-    {"ShowMeCol", NameKind::Collisions, "show2"},
-    {"ShowMeOthers", NameKind::Others, "show5"},
+    {"ShowMeModels", EntryKind::Model, "show3"},
+    {"ShowMeTextures", EntryKind::Texture, "show4"},
+    {"ShowMeAni", EntryKind::Animation, "show1"},
+    {"ShowMeCol", EntryKind::Collision, "show2"},
+    {"ShowMeOthers", EntryKind::Other, "show5"},
 }};
 
 struct ShowMeRow {

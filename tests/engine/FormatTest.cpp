@@ -146,7 +146,7 @@ TEST(Names, CaseMappingAndTypes) {
                                                          {"", "none"},
                                                          {"ff", "none"}};
     for (const auto& [name, icon] : icons) {
-        EXPECT_EQ(IconKey(TypeOfName(name)), icon) << name;
+        EXPECT_EQ(IconKey(IconKindOfName(name)), icon) << name;
     }
 }
 

@@ -18,7 +18,7 @@ TEST_F(Rename, TheDialogRefusesBlankNamesAndStoresWhatWasTyped) {
     EXPECT_EQ(desktop.said("message"),
               (std::vector<std::string>{"message(Information) : No name entered"}));
     EXPECT_EQ(names(), (std::vector<std::string>{"car.dff", "bus.dff", " car.txd"}));
-    EXPECT_EQ(editor.table()[2].type(), EntryType::Texture);
+    EXPECT_EQ(editor.table()[2].type(), EntryKind::Texture);
     EXPECT_EQ(records(), tableRecords());
     EXPECT_EQ(desktop.status, text("sd1"));
 

@@ -160,7 +160,7 @@ void EntryDialogsTest::renameDialogCountsRefusesBlankAndConfirmsOnEnter() {
     QVERIFY(!dialog->isVisible());
     const auto renamed = RowOf(w, " van.txd");
     QVERIFY(renamed.has_value());
-    QCOMPARE(table[*renamed].type(), korvel::EntryType::Texture);
+    QCOMPARE(table[*renamed].type(), korvel::EntryKind::Texture);
     QCOMPARE(w.statusPanel()->text(), Text(env, "sd1"));
     const auto records = korvel::DecodeDirectory(ReadBytes(env.folder / "t.dir"));
     QCOMPARE(records.size(), std::size_t{3});
