@@ -1,11 +1,10 @@
-// Shared pieces of the entry benchmarks: a Desktop that does nothing (a
-// recording one would measure its own bookkeeping), a stopwatch, and the
+// Shared pieces of the entry benchmarks: a stopwatch and the
 // archive layout the figures are quoted for.
 #pragma once
 
 #include "TestFolder.h"
 #include "archive/Format.h"
-#include "platform/Desktop.h"
+#include "platform/NullDesktop.h"
 
 #include <algorithm>
 #include <chrono>
@@ -15,29 +14,6 @@
 #include <vector>
 
 namespace korvel::bench {
-
-class NullDesktop : public Desktop {
-public:
-    void ShowMessage(const std::string&, const std::string&, MessageIcon) override {}
-    bool AskYesNo(const std::string&, const std::string&) override { return true; }
-    FileDialogAnswer OpenFileDialog(const FileDialogRequest&) override { return {}; }
-    FileDialogAnswer SaveFileDialog(const FileDialogRequest&) override { return {}; }
-    std::optional<std::string> ChooseFolderDialog(const std::string&) override { return {}; }
-    std::optional<std::string> InputBox(const std::string&, const std::string&,
-                                        const std::string&) override {
-        return {};
-    }
-    std::optional<Rgb> PickColour() override { return {}; }
-    void SetStatus(const std::string&) override {}
-    void SetStats(const std::string&) override {}
-    void SetArchivePath(const std::string&) override {}
-    void ShowProgress(int) override {}
-    void SetProgress(int) override {}
-    void HideProgress() override {}
-    void SetBusy(bool) override {}
-    void SetClipboardText(const std::string&) override {}
-    bool OpenWithShell(const std::string&) override { return true; }
-};
 
 template <typename Step> double Seconds(Step&& step) {
     const auto start = std::chrono::steady_clock::now();

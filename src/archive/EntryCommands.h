@@ -5,11 +5,11 @@
 // the data file in agreement when something fails. Rows are 0-based here.
 #pragma once
 
-#include "window/Editor.h"
 #include "archive/EntryFiles.h"
 #include "archive/RebuildJournal.h"
-#include "window/EntryDialogs.h"
 #include "platform/FileSystem.h"
+#include "window/Editor.h"
+#include "window/EntryDialogs.h"
 
 #include <filesystem>
 #include <optional>

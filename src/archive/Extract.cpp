@@ -2,6 +2,7 @@
 #include "archive/EntryCommands.h"
 #include "archive/EntryFiles.h"
 
+#include "platform/Blanks.h"
 #include "platform/FileCopy.h"
 #include "platform/Folders.h"
 
@@ -9,19 +10,6 @@
 
 namespace korvel {
 namespace fs = std::filesystem;
-namespace {
-
-std::string Trimmed(const std::string& text) {
-    const auto first = text.find_first_not_of(" \t");
-    if (first == std::string::npos) {
-        return {};
-    }
-    const auto last = text.find_last_not_of(" \t");
-    return text.substr(first, last - first + 1);
-}
-
-} // namespace
-
 EntryCommands::EntryCommands(Editor& editor, EntryDialogs& dialogs)
     : editor_(editor), dialogs_(dialogs) {
     editor_.setRebuildCommand([this] { RebuildAsking(); });
@@ -89,7 +77,7 @@ bool EntryCommands::ExtractEntry(std::size_t row, ExtractMode mode) {
         }
     } else {
         ChooseFolder();
-        if (Trimmed(pickedFolder_).empty()) {
+        if (TrimBlanks(pickedFolder_).empty()) {
             desktop.SetStatus(editor_.text("extract2"));
             return false;
         }
@@ -101,7 +89,8 @@ bool EntryCommands::ExtractEntry(std::size_t row, ExtractMode mode) {
         return false;
     }
     if (const Status copied = CopyEntryToFile(editor_.archive(), entry, *target); !copied.ok()) {
-        desktop.ShowMessage(editor_.text("ohCrap1") + " " + copied.error() + "\r\n" + target->string(),
+        desktop.ShowMessage(editor_.text("ohCrap1") + " " + copied.error() + "\r\n" +
+                                target->string(),
                             "Error", MessageIcon::Exclamation);
         return false;
     }

@@ -1,25 +1,17 @@
 #include "settings/IniFile.h"
 
+#include "platform/Blanks.h"
 #include "platform/Cp1252.h"
 #include "platform/FileSystem.h"
 
+#include <cstdint>
 #include <map>
 #include <mutex>
-#include <cstdint>
 #include <sys/stat.h>
 #include <vector>
 
 namespace korvel {
 namespace {
-
-std::string_view Trim(std::string_view text) {
-    const auto first = text.find_first_not_of(" \t");
-    if (first == std::string_view::npos) {
-        return {};
-    }
-    const auto last = text.find_last_not_of(" \t");
-    return text.substr(first, last - first + 1);
-}
 
 std::vector<std::string_view> SplitLines(std::string_view content) {
     std::vector<std::string_view> lines;
@@ -42,7 +34,7 @@ std::vector<std::string_view> SplitLines(std::string_view content) {
 
 // The section a header line names, or nothing when the line is no header.
 std::optional<std::string_view> SectionOf(std::string_view line) {
-    const std::string_view trimmed = Trim(line);
+    const std::string_view trimmed = TrimBlanks(line);
     if (trimmed.empty() || trimmed.front() != '[') {
         return std::nullopt;
     }
@@ -51,7 +43,7 @@ std::optional<std::string_view> SectionOf(std::string_view line) {
     if (close != std::string_view::npos) {
         inner = inner.substr(0, close);
     }
-    return Trim(inner);
+    return TrimBlanks(inner);
 }
 
 struct KeyLine {
@@ -64,7 +56,7 @@ std::optional<KeyLine> KeyOf(std::string_view line) {
     if (equals == std::string_view::npos) {
         return std::nullopt;
     }
-    return KeyLine{Trim(line.substr(0, equals)), Trim(line.substr(equals + 1))};
+    return KeyLine{TrimBlanks(line.substr(0, equals)), TrimBlanks(line.substr(equals + 1))};
 }
 
 std::string CleanValue(std::string_view value) {
@@ -186,7 +178,7 @@ std::string WriteInContent(std::string_view content, std::string_view section, s
         if (!inSection) {
             continue;
         }
-        if (!Trim(lines[i]).empty()) {
+        if (!TrimBlanks(lines[i]).empty()) {
             lastInSection = i;
         }
         if (const auto keyLine = KeyOf(lines[i]); keyLine && EqualsIgnoreCase(keyLine->key, key)) {

@@ -5,9 +5,9 @@
 #pragma once
 
 #include "archive/Archive.h"
-#include "window/MenuState.h"
 #include "platform/Desktop.h"
 #include "settings/Settings.h"
+#include "window/MenuState.h"
 
 #include <array>
 #include <cstdint>

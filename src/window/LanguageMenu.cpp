@@ -1,26 +1,16 @@
 #include "window/LanguageMenu.h"
 
-#include "window/MenuTree.h"
+#include "platform/Blanks.h"
+
 #include "archive/Names.h"
+#include "window/MenuTree.h"
 
 #include <algorithm>
 #include <fstream>
 
 namespace korvel {
-namespace {
-
-std::string_view TrimBlanks(std::string_view text) {
-    const auto first = text.find_first_not_of(' ');
-    if (first == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
-
-} // namespace
-
 bool IsSectionLine(std::string_view line) {
-    const std::string_view trimmed = TrimBlanks(line);
+    const std::string_view trimmed = TrimBlanks(line, " ");
     return !trimmed.empty() && trimmed.front() == '[' && trimmed.back() == ']';
 }
 

@@ -4,8 +4,8 @@
 // the current language.
 #pragma once
 
-#include "window/MenuState.h"
 #include "settings/Settings.h"
+#include "window/MenuState.h"
 
 #include <array>
 #include <string>

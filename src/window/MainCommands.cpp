@@ -2,10 +2,10 @@
 
 #include "archive/EntryCommands.h"
 #include "archive/Marker.h"
-#include "window/MenuTree.h"
 #include "archive/Names.h"
 #include "platform/Folders.h"
 #include "window/LanguageMenu.h"
+#include "window/MenuTree.h"
 
 #include <algorithm>
 #include <array>
@@ -29,7 +29,6 @@ constexpr std::array<TypeSelection, 5> TypeSelections = {{
     {"SelectCols", EntryKind::Collision, "select9"},
     {"SelectAllOther", EntryKind::Other, "select6"},
 }};
-
 
 } // namespace
 
