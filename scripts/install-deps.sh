@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Installs what building and testing Korvel needs on Debian 12, skipping
 # packages that are already there. Run as root (or through sudo).
-# With --windows it also installs the MinGW-w64 cross compiler and Wine for
-# the Windows build check.
+# With --windows it installs the MinGW-w64 cross compiler and Wine for the
+# Windows build check instead; with --fuzz, clang and its libFuzzer runtime.
 set -euo pipefail
 
 packages=(
@@ -13,6 +13,8 @@ packages=(
 )
 if [ "${1:-}" = "--windows" ]; then
   packages=(g++-mingw-w64-x86-64-posix wine64)
+elif [ "${1:-}" = "--fuzz" ]; then
+  packages=(clang libclang-rt-14-dev ninja-build cmake)
 fi
 
 missing=()
