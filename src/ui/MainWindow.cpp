@@ -1,13 +1,13 @@
 #include "ui/MainWindow.h"
 #include "ui/WidgetUnits.h"
 
-#include "window/MenuTree.h"
 #include "platform/Folders.h"
 #include "ui/AboutBox.h"
 #include "ui/ArchiveView.h"
 #include "ui/EntryModel.h"
 #include "ui/SearchCommands.h"
 #include "ui/ToolWindows.h"
+#include "window/MenuTree.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -41,7 +41,8 @@ QString Caption(const std::string& text) {
 
 MainWindow::MainWindow(Settings& settings, QWidget* parent)
     : QMainWindow(parent), desktop_(this), editor_(desktop_, settings, EditorFolder()),
-      commands_(editor_, *this), dialogs_(settings, this), entries_(editor_, dialogs_) {
+      commands_(editor_, *this), dialogs_(settings, this), entries_(editor_, dialogs_),
+      quickReplaceDialogs_(settings, this), quickReplace_(editor_, entries_, quickReplaceDialogs_) {
     setObjectName(QStringLiteral("Main"));
     setWindowTitle(QStringLiteral(" Korvel"));
 
@@ -79,11 +80,13 @@ MainWindow::MainWindow(Settings& settings, QWidget* parent)
     setStatusBar(bar);
     desktop_.attachStatusBar(bar, panel1_, panel2_, progress_);
 
+    tools_ = new ToolWindows(*this);
+    finds_ = new SearchCommands(*this);
+    for (MenuCommand& command :
+         BuildCommandTable({editor_, commands_, entries_, quickReplace_, *this})) {
+        handlers_.insert(Q(command.item), std::move(command.run));
+    }
     buildMenus();
-    registerCommands();
-    registerEntryCommands();
-    new ToolWindows(*this); // plugs in its commands; a child of the window
-    new SearchCommands(*this);
     editor_.menu().setObserver(
         [this](const std::string& name, const MenuItemState& state) { mirror(name, state); });
     ForEachMenuNode(MainMenuTree(), [this](const MenuNode& node) {
@@ -188,6 +191,9 @@ void MainWindow::mirrorChecks() {
 }
 
 void MainWindow::setCommand(const QString& name, std::function<void()> command) {
+    if (!handlers_.contains(name)) {
+        qFatal("No menu item is named %s", qPrintable(name));
+    }
     handlers_.insert(name, std::move(command));
 }
 
@@ -199,59 +205,33 @@ void MainWindow::runCommand(const QString& name) {
     mirrorChecks();
 }
 
-void MainWindow::registerCommands() {
-    Editor& e = editor_;
-    MainCommands& c = commands_;
-    setCommand("FileNew", [&e] { e.NewArchiveAskingPath(); });
-    setCommand("FileOpen", [&e] { e.OpenArchiveAskingPath(); });
-    for (int slot = 1; slot <= 3; ++slot) {
-        setCommand(QStringLiteral("recent%1").arg(slot), [&e, slot] { e.OpenRecent(slot); });
-    }
-    setCommand("FileClose", [&e] { e.CloseArchive(); });
-    setCommand("FileReload", [&e] { e.ReloadArchive(); });
-    setCommand("FileExit", [this] { close(); });
-    setCommand("EditSelect", [&c] { c.SelectAllEntries(); });
-    for (const char* item :
-         {"SelectModels", "SelectTextures", "SelectAni", "SelectCols", "SelectAllOther"}) {
-        setCommand(item, [&c, item] { c.SelectByType(item); });
-    }
-    setCommand("SortName", [&c] { c.SortByName(); });
-    setCommand("SortOffset", [&c] { c.SortByIndex(); });
-    setCommand("OptGrid", [&c] { c.ToggleGridLines(); });
-    setCommand("OptCols", [&c] { c.ToggleRowStripes(); });
-    for (const char* item : {"OptAuto", "OptConDelete", "OptRebuildPrompt"}) {
-        setCommand(item, [&c, item] { c.ToggleOption(item); });
-    }
-    for (int slot = 1; slot <= LanguageSlotCount; ++slot) {
-        setCommand(Q(LanguageSlotName(slot)), [&c, slot] { c.SwitchLanguage(slot); });
-    }
-    setCommand("HelpAbout", [this] { showAbout(); });
-    // The remaining items (the find windows, the reports, OptAss, the Help
-    // links ...) get their commands
-    // through setCommand as those features land; until then they do nothing.
+void MainWindow::CloseMainWindow() {
+    close();
 }
 
-void MainWindow::registerEntryCommands() {
-    EntryCommands& c = entries_;
-    setCommand("EditView", [&c] { c.ViewSelectedEntries(); });
-    setCommand("EditExtract", [&c] { c.ExtractSelectedAskingFolder(); });
-    setCommand("EditQuick", [&c] { c.ExtractSelectedToLastFolder(); });
-    setCommand("EditAdd", [&c] { c.AddFilesAskingPaths(); });
-    setCommand("ComReplace", [&c] { c.ReplaceSelectedAskingFiles(); });
-    setCommand("ComRename", [&c] { c.RenameSelectedWithDialog(); });
-    setCommand("EditLowCaseName", [&c] { c.LowerCaseSelected(EntryCommands::NameCase::BeforeExtension); });
-    setCommand("EditLowCase", [&c] { c.LowerCaseSelected(EntryCommands::NameCase::Extension); });
-    setCommand("ConvLFName", [&c] { c.LowerCaseSelected(EntryCommands::NameCase::Whole); });
-    setCommand("ComDel", [&c] { c.DeleteSelectedAsking(); });
-    setCommand("ComMove", [&c] { c.MoveSelectedToEnd(); });
-    setCommand("ComRebuild", [&c] { c.RebuildAsking(); });
-    setCommand("AddingScan", [&c] { c.ToggleAddingScan(); });
-    setCommand("ScanSettings", [this] { dialogs_.ShowScanSettings(); });
-}
-
-void MainWindow::showAbout() {
+void MainWindow::ShowAboutBox() {
     AboutBox box(QStringLiteral(" ") + Q(editor_.text("menue3")), this);
     box.exec();
+}
+
+void MainWindow::OpenFindWindow() {
+    finds_->openFindWindow();
+}
+
+void MainWindow::OpenFindInFilesWindow() {
+    finds_->openFindInFilesWindow();
+}
+
+void MainWindow::OpenLineColoursDialog() {
+    tools_->openLineColours();
+}
+
+void MainWindow::OpenScanOptionsDialog() {
+    dialogs_.ShowScanSettings();
+}
+
+void MainWindow::ShowEntryList(ShowMeList list) {
+    tools_->showEntryList(std::move(list));
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

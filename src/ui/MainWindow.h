@@ -4,11 +4,14 @@
 // call the engine, and the engine's menu state is mirrored into the actions.
 #pragma once
 
-#include "window/Editor.h"
 #include "archive/EntryCommands.h"
-#include "window/MainCommands.h"
+#include "archive/QuickReplace.h"
 #include "ui/QtDesktop.h"
 #include "ui/QtEntryDialogs.h"
+#include "ui/QuickReplaceDialog.h"
+#include "window/CommandTable.h"
+#include "window/Editor.h"
+#include "window/MainCommands.h"
 
 #include <QHash>
 #include <QMainWindow>
@@ -30,8 +33,10 @@ namespace korvel::ui {
 
 class ArchiveView;
 class EntryModel;
+class SearchCommands;
+class ToolWindows;
 
-class MainWindow : public QMainWindow, private ListAppearance {
+class MainWindow : public QMainWindow, private ListAppearance, private WindowOnlyCommands {
     Q_OBJECT
 public:
     explicit MainWindow(Settings& settings, QWidget* parent = nullptr);
@@ -42,7 +47,9 @@ public:
 
     // Runs the command of a menu item by its name, as clicking it does.
     void runCommand(const QString& name);
-    // Lets a feature plug its command into a menu item.
+    // Puts another command behind an item the command table binds (tests
+    // record what an item would run). An unknown name stops the program: a
+    // misspelt item must not quietly do nothing.
     void setCommand(const QString& name, std::function<void()> command);
 
     QAction* action(const QString& name) const { return actions_.value(name); }
@@ -50,6 +57,8 @@ public:
     Editor& editor() { return editor_; }
     MainCommands& commands() { return commands_; }
     EntryCommands& entryCommands() { return entries_; }
+    ToolWindows& toolWindows() { return *tools_; }
+    SearchCommands& findWindows() { return *finds_; }
     QtEntryDialogs& entryDialogs() { return dialogs_; }
     QtDesktop& desktop() { return desktop_; }
     ArchiveView* archiveView() const { return view_; }
@@ -68,13 +77,19 @@ private:
     void SetGridLines(bool shown) override;
     void SetRowStripes(std::optional<std::pair<Rgb, Rgb>> colours) override;
 
+    // WindowOnlyCommands
+    void CloseMainWindow() override;
+    void ShowAboutBox() override;
+    void OpenFindWindow() override;
+    void OpenFindInFilesWindow() override;
+    void OpenLineColoursDialog() override;
+    void OpenScanOptionsDialog() override;
+    void ShowEntryList(ShowMeList list) override;
+
     void buildMenus();
     void addMenuItems(QMenu* menu, const std::vector<MenuNode>& nodes);
-    void registerCommands();
-    void registerEntryCommands();
     void mirror(const std::string& name, const MenuItemState& state);
     void mirrorChecks();
-    void showAbout();
     int twipsToPixelsX(int twips) const;
     int twipsToPixelsY(int twips) const;
 
@@ -83,6 +98,10 @@ private:
     MainCommands commands_;
     QtEntryDialogs dialogs_;
     EntryCommands entries_;
+    QtQuickReplaceDialogs quickReplaceDialogs_;
+    QuickReplace quickReplace_;
+    ToolWindows* tools_ = nullptr;
+    SearchCommands* finds_ = nullptr;
     ArchiveView* view_ = nullptr;
     EntryModel* model_ = nullptr;
     QLabel* panel1_ = nullptr;

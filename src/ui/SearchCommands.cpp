@@ -1,7 +1,5 @@
 #include "ui/SearchCommands.h"
 
-#include "archive/ArchiveCheck.h"
-#include "reports/Reports.h"
 #include "ui/MainWindow.h"
 #include "ui/SearchFilesWindow.h"
 #include "ui/SearchWindow.h"
@@ -9,7 +7,6 @@
 namespace korvel::ui {
 namespace {
 
-// Opening again brings the open window forward instead of a second one.
 template <class Window> void Open(MainWindow& main, QPointer<Window>& window) {
     if (window.isNull()) {
         window = new Window(main);
@@ -23,12 +20,14 @@ template <class Window> void Open(MainWindow& main, QPointer<Window>& window) {
 
 SearchCommands::SearchCommands(MainWindow& main) : QObject(&main), main_(main) {
     setObjectName(QStringLiteral("searchCommands"));
-    Editor& editor = main.editor();
-    main.setCommand("EditFind", [this] { Open(main_, search_); });
-    main.setCommand("EditFindIn", [this] { Open(main_, searchFiles_); });
-    main.setCommand("ComCheck", [&editor] { CheckArchiveAsking(editor); });
-    main.setCommand("EditSave", [&editor] { SaveTextReportAskingPath(editor); });
-    main.setCommand("EditSaveHtml", [&editor] { SaveHtmlReportAskingPath(editor); });
+}
+
+void SearchCommands::openFindWindow() {
+    Open(main_, search_);
+}
+
+void SearchCommands::openFindInFilesWindow() {
+    Open(main_, searchFiles_);
 }
 
 SearchWindow* SearchCommands::searchWindow() const {

@@ -1,6 +1,5 @@
-// The main window's find windows, the archive check and the reports, plugged
-// into their menu items by name. Each find window is a single modeless
-// instance owned by the main window.
+// The main window's two find windows. Each is a single modeless instance
+// owned by the main window; opening it again brings the open one forward.
 #pragma once
 
 #include <QObject>
@@ -16,6 +15,9 @@ class SearchCommands : public QObject {
     Q_OBJECT
 public:
     explicit SearchCommands(MainWindow& main);
+
+    void openFindWindow();
+    void openFindInFilesWindow();
 
     // The windows while they are open.
     SearchWindow* searchWindow() const;

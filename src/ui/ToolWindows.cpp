@@ -1,8 +1,5 @@
 #include "ui/ToolWindows.h"
 
-#include "archive/Marker.h"
-#include "window/ShowMe.h"
-#include "desktop/ShellCommands.h"
 #include "ui/LineColorsDialog.h"
 #include "ui/MainWindow.h"
 #include "ui/ShowMeWindow.h"
@@ -10,24 +7,9 @@
 namespace korvel::ui {
 
 ToolWindows::ToolWindows(MainWindow& main)
-    : QObject(&main), main_(main), qrDialogs_(main.editor().settings(), &main),
-      quickReplace_(main.editor(), main.entryCommands(), qrDialogs_),
+    : QObject(&main), main_(main),
       rowColours_(main.editor(), [&main] { main.commands().PaintRowStripes(); }) {
     setObjectName(QStringLiteral("toolWindows"));
-    Editor& editor = main.editor();
-    main.setCommand("CmdGroupReplace", [this] { quickReplace_.QuickReplaceSelected(); });
-    main.setCommand("EditInsertMarker",
-                    [&main, &editor] { InsertMarker(main.entryCommands(), editor); });
-    main.setCommand("OptsPick", [this] { optsPick(); });
-    for (const ShowMeFamily& family : ShowMeFamilies) {
-        const char* item = family.item.data();
-        main.setCommand(QString::fromLatin1(item), [this, item] { showMe(item); });
-    }
-    main.setCommand("OptAss", [&editor] { AssociateWithImgFiles(editor); });
-    for (const char* item : {"HelpHome", "HelpCheckWeb", "HelpHelp"}) {
-        main.setCommand(QString::fromLatin1(item),
-                        [&editor, item] { RunHelpCommand(editor.desktop(), item); });
-    }
 }
 
 LineColorsDialog* ToolWindows::lineColors() const {
@@ -38,7 +20,7 @@ ShowMeWindow* ToolWindows::showMeWindow() const {
     return showMe_;
 }
 
-void ToolWindows::optsPick() {
+void ToolWindows::openLineColours() {
     if (lineColors_.isNull()) {
         lineColors_ = new LineColorsDialog(main_.editor(), rowColours_, &main_);
     }
@@ -48,16 +30,12 @@ void ToolWindows::optsPick() {
     lineColors_->activateWindow();
 }
 
-void ToolWindows::showMe(const char* item) {
-    auto list = BuildShowMeList(main_.editor(), item);
-    if (!list) {
-        return;
-    }
+void ToolWindows::showEntryList(ShowMeList list) {
     if (showMe_.isNull()) {
         showMe_ = new ShowMeWindow(main_);
     }
     showMe_->show();
-    showMe_->fill(std::move(*list));
+    showMe_->fill(std::move(list));
     showMe_->raise();
     showMe_->activateWindow();
 }

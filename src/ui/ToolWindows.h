@@ -1,12 +1,10 @@
-// The main window's tool commands and their windows: quick replace with its
-// `qrMissing` dialog, the marker, the row colours dialog, the show-me list,
-// the file association and the Help links. Plugged into the window's menu
-// items by name; the windows are single instances owned by the main window.
+// The main window's tool windows: the row colours dialog and the show-me list.
+// Each is a single instance owned by the main window, made the first time it
+// is asked for and brought forward after that.
 #pragma once
 
-#include "archive/QuickReplace.h"
 #include "window/RowColours.h"
-#include "ui/QuickReplaceDialog.h"
+#include "window/ShowMe.h"
 
 #include <QObject>
 #include <QPointer>
@@ -22,17 +20,15 @@ class ToolWindows : public QObject {
 public:
     explicit ToolWindows(MainWindow& main);
 
+    void openLineColours();
+    void showEntryList(ShowMeList list);
+
     // The windows, once a command opened them.
     LineColorsDialog* lineColors() const;
     ShowMeWindow* showMeWindow() const;
 
 private:
-    void optsPick();
-    void showMe(const char* item);
-
     MainWindow& main_;
-    QtQuickReplaceDialogs qrDialogs_;
-    QuickReplace quickReplace_;
     RowColours rowColours_;
     QPointer<LineColorsDialog> lineColors_;
     QPointer<ShowMeWindow> showMe_;

@@ -7,7 +7,6 @@
 #include "settings/Settings.h"
 #include "window/MenuState.h"
 
-#include <array>
 #include <string>
 #include <string_view>
 
@@ -28,13 +27,5 @@ void BuildLanguageMenu(MenuState& menu, const Settings& settings);
 // Every relabelled item of the menu tree gets the text of its key.
 void RelabelMainMenus(MenuState& menu, const Settings& settings);
 void UncheckLanguageItems(MenuState& menu);
-
-// The list's columns: header text key and width in twips.
-struct ColumnSpec {
-    std::string_view textKey;
-    int widthTwips;
-};
-inline constexpr std::array<ColumnSpec, 3> ArchiveColumns = {
-    ColumnSpec{"head1", 2200}, ColumnSpec{"head2", 1000}, ColumnSpec{"head3", 1000}};
 
 } // namespace korvel

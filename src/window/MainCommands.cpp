@@ -5,6 +5,7 @@
 #include "archive/Names.h"
 #include "platform/Folders.h"
 #include "window/LanguageMenu.h"
+#include "window/ListColumns.h"
 #include "window/MenuTree.h"
 
 #include <algorithm>
@@ -14,23 +15,6 @@
 
 namespace korvel {
 namespace fs = std::filesystem;
-namespace {
-
-struct TypeSelection {
-    std::string_view item;
-    EntryKind kind;
-    std::string_view textKey;
-};
-
-constexpr std::array<TypeSelection, 5> TypeSelections = {{
-    {"SelectModels", EntryKind::Model, "select7"},
-    {"SelectTextures", EntryKind::Texture, "select8"},
-    {"SelectAni", EntryKind::Animation, "select10"},
-    {"SelectCols", EntryKind::Collision, "select9"},
-    {"SelectAllOther", EntryKind::Other, "select6"},
-}};
-
-} // namespace
 
 std::string CommandLineFromArguments(const std::vector<std::string>& arguments) {
     std::string line;
@@ -135,18 +119,15 @@ void MainCommands::Shutdown() {
 }
 
 void MainCommands::ToggleOption(std::string_view item) {
-    static constexpr std::array<std::pair<std::string_view, std::string_view>, 3> keys = {
-        {{"OptAuto", "autoLoad"},
-         {"OptConDelete", "deleteProm"},
-         {"OptRebuildPrompt", "rebuildPrompt"}}};
-    const auto found = std::find_if(keys.begin(), keys.end(),
-                                    [&](const auto& pair) { return pair.first == item; });
-    if (found == keys.end()) {
+    const auto found =
+        std::find_if(OptionSettings.begin(), OptionSettings.end(),
+                     [&](const OptionSetting& option) { return option.item == item; });
+    if (found == OptionSettings.end()) {
         return;
     }
     const bool checked = !editor_.menu().isChecked(item);
     editor_.menu().setChecked(item, checked);
-    editor_.settings().WriteSetting(checked ? "True" : "False", found->second);
+    editor_.settings().WriteSetting(checked ? "True" : "False", found->settingKey);
 }
 
 void MainCommands::AddListColumnHeaders() {

@@ -4,8 +4,10 @@
 // calls and shows the list as the ListAppearance calls tell it.
 #pragma once
 
+#include "archive/Names.h"
 #include "window/Editor.h"
 
+#include <array>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,6 +28,34 @@ public:
     virtual void SetRowStripes(std::optional<std::pair<Rgb, Rgb>> colours) = 0;
 };
 
+// The "Select all" items for one kind of entry: the item, the kind it
+// selects and the key of the kind's name in the status text.
+struct TypeSelection {
+    std::string_view item;
+    EntryKind kind;
+    std::string_view textKey;
+};
+
+inline constexpr std::array<TypeSelection, 5> TypeSelections = {{
+    {"SelectModels", EntryKind::Model, "select7"},
+    {"SelectTextures", EntryKind::Texture, "select8"},
+    {"SelectAni", EntryKind::Animation, "select10"},
+    {"SelectCols", EntryKind::Collision, "select9"},
+    {"SelectAllOther", EntryKind::Other, "select6"},
+}};
+
+// The check items of the Options menu that only flip their korvel.ini key.
+struct OptionSetting {
+    std::string_view item;
+    std::string_view settingKey;
+};
+
+inline constexpr std::array<OptionSetting, 3> OptionSettings = {{
+    {"OptAuto", "autoLoad"},
+    {"OptConDelete", "deleteProm"},
+    {"OptRebuildPrompt", "rebuildPrompt"},
+}};
+
 // The text the window is started with: the arguments joined by blanks,
 // every double quote removed.
 std::string CommandLineFromArguments(const std::vector<std::string>& arguments);
@@ -44,7 +74,7 @@ public:
     // folder. Errors are ignored: the editor is going away.
     void Shutdown();
 
-    // OptAuto, OptConDelete, OptRebuildPrompt.
+    // One of OptionSettings' items: flips its check and its setting.
     void ToggleOption(std::string_view item);
 
     void AddListColumnHeaders();
@@ -60,7 +90,7 @@ public:
 
     void ClearSelection();
     void SelectAllEntries();
-    // SelectModels, SelectTextures, SelectAni, SelectCols, SelectAllOther.
+    // One of TypeSelections' items.
     void SelectByType(std::string_view item);
 
 private:

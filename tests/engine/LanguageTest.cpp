@@ -1,12 +1,19 @@
+#include "settings/IniFile.h"
 #include "window/LanguageMenu.h"
+#include "window/ListColumns.h"
+#include "window/MainCommands.h"
 #include "window/MenuTree.h"
+#include "window/ShowMe.h"
 
-#include "ScriptedDesktop.h"
 #include "TestFolder.h"
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
+#include <regex>
 #include <set>
+#include <sstream>
 
 namespace korvel {
 namespace {
@@ -59,122 +66,134 @@ TEST(LanguageLines, SectionLinesAndNames) {
     }
 }
 
-TEST_F(LanguageFixture, ShippedLanguagesFillSlotsInFileOrderAndCheckIgnoringCase) {
-    settings.WriteSetting("ENGLISH", "language");
-    BuildLanguageMenu(menu, settings);
-    EXPECT_EQ(visibleSlots(), (std::vector<std::string>{"english", "francais", "deutsch"}));
-    EXPECT_TRUE(menu.isChecked("lang1"));
-    EXPECT_FALSE(menu.isChecked("lang2"));
-    EXPECT_FALSE(menu.isVisible("lang4"));
-    EXPECT_EQ(menu.caption("lang4"), "lang4");
-}
-
-TEST_F(LanguageFixture, SectionLineRulesAndCrlfFiles) {
-    writeLanguages("; [comment] is no section\r\n  [alpha]\r\nkey=x]\r\n[ beta ]\r\nk=[v]\r\n"
-                   "[Gamma]\r\n");
-    settings.WriteSetting("gAMMA", "language");
-    BuildLanguageMenu(menu, settings);
-    EXPECT_EQ(visibleSlots(), (std::vector<std::string>{"  alpha", " beta ", "Gamma"}));
-    EXPECT_FALSE(menu.isChecked("lang1"));
-    EXPECT_TRUE(menu.isChecked("lang3"));
-}
-
-TEST_F(LanguageFixture, NineSectionsGiveSevenSlots) {
-    std::string text;
-    for (int i = 1; i <= 9; ++i) {
-        text += "[l" + std::to_string(i) + "]\nk=v\n";
-    }
-    writeLanguages(text);
-    settings.WriteSetting("l8", "language");
-    BuildLanguageMenu(menu, settings);
-    EXPECT_EQ(visibleSlots(), (std::vector<std::string>{"l1", "l2", "l3", "l4", "l5", "l6", "l7"}));
-    for (int slot = 1; slot <= LanguageSlotCount; ++slot) {
-        EXPECT_FALSE(menu.isChecked(LanguageSlotName(slot)));
-    }
-}
-
-TEST_F(LanguageFixture, FileWithoutSectionsLeavesTheFirstSlotAsDesigned) {
-    writeLanguages("just=text\nno sections here\n");
-    BuildLanguageMenu(menu, settings);
-    EXPECT_EQ(visibleSlots(), (std::vector<std::string>{"lang1"}));
-}
-
-TEST_F(LanguageFixture, MissingLanguageFileLeavesTheMenuAlone) {
-    std::filesystem::remove(folder / "lang.ini");
-    BuildLanguageMenu(menu, settings);
-    EXPECT_EQ(visibleSlots(), (std::vector<std::string>{"lang1"}));
-}
-
-TEST_F(LanguageFixture, SectionNamedLikeASlotLeavesItFree) {
-    writeLanguages("[lang1]\n[second]\n[third]\n");
-    BuildLanguageMenu(menu, settings);
-    EXPECT_EQ(visibleSlots(), (std::vector<std::string>{"second", "third"}));
-}
-
-TEST_F(LanguageFixture, UncheckLanguageItemsClearsEverySlot) {
-    for (int slot = 1; slot <= LanguageSlotCount; ++slot) {
-        menu.setChecked(LanguageSlotName(slot), true);
-    }
-    UncheckLanguageItems(menu);
-    for (int slot = 1; slot <= LanguageSlotCount; ++slot) {
-        EXPECT_FALSE(menu.isChecked(LanguageSlotName(slot)));
-    }
-}
-
-// Every shipped language labels every relabelled item and column; a key
-// missing from one section would show "Settings error" in that language.
-TEST_F(LanguageFixture, EveryShippedLanguageLabelsTheWholeMenuAndTheColumns) {
-    for (const char* language : {"english", "francais", "deutsch"}) {
-        settings.WriteSetting(language, "language");
-        RelabelMainMenus(menu, settings);
-        std::set<std::string> captions;
-        ForEachMenuNode(MainMenuTree(), [&](const MenuNode& node) {
-            if (node.textKey.empty()) {
-                return;
-            }
-            EXPECT_EQ(menu.caption(node.name), settings.LookupText(node.textKey));
-            EXPECT_NE(menu.caption(node.name), "Settings error") << language << " " << node.name;
-            captions.insert(menu.caption(node.name));
-        });
-        EXPECT_GT(captions.size(), 40u) << language;
-        for (const ColumnSpec& column : ArchiveColumns) {
-            EXPECT_NE(settings.LookupText(column.textKey), "Settings error") << language;
+TEST_F(LanguageFixture, SlotsFillInFileOrderAndCheckTheSettingIgnoringCase) {
+    struct Case {
+        std::string file; // empty: no lang.ini at all
+        std::string language;
+        std::vector<std::string> slots;
+        std::string checked; // empty: none
+    } cases[] = {
+        {"; [comment] is no section\r\n  [alpha]\r\nkey=x]\r\n[ beta ]\r\nk=[v]\r\n[Gamma]\r\n",
+         "gAMMA",
+         {"  alpha", " beta ", "Gamma"},
+         "lang3"},
+        {"[l1]\n[l2]\n[l3]\n[l4]\n[l5]\n[l6]\n[l7]\n[l8]\n[l9]\n",
+         "l8",
+         {"l1", "l2", "l3", "l4", "l5", "l6", "l7"},
+         ""},
+        {"just=text\nno sections here\n", "english", {"lang1"}, ""},
+        {"[lang1]\n[second]\n[third]\n", "third", {"second", "third"}, "lang2"},
+        {"", "english", {"lang1"}, ""},
+    };
+    for (const Case& c : cases) {
+        MenuState fresh;
+        SeedMenuState(fresh);
+        menu = fresh;
+        if (c.file.empty()) {
+            std::filesystem::remove(folder / "lang.ini");
+        } else {
+            writeLanguages(c.file);
         }
-        // Items whose captions are data keep them.
-        EXPECT_EQ(menu.caption("recent1"), "recent1");
-        EXPECT_EQ(menu.caption("lang3"), "lang3");
-        EXPECT_EQ(menu.caption("HelpHome"), FindMenuNode("HelpHome")->caption);
+        settings.WriteSetting(c.language, "language");
+        BuildLanguageMenu(menu, settings);
+        EXPECT_EQ(visibleSlots(), c.slots) << c.file;
+        for (int slot = 1; slot <= LanguageSlotCount; ++slot) {
+            const std::string name = LanguageSlotName(slot);
+            EXPECT_EQ(menu.isChecked(name), name == c.checked) << c.file << " " << name;
+        }
     }
 }
 
-TEST_F(LanguageFixture, UnknownLanguageLabelsWithTheLookupDefault) {
-    settings.WriteSetting("klingon", "language");
-    RelabelMainMenus(menu, settings);
-    EXPECT_EQ(menu.caption("FileOpen"), "Settings error");
-    EXPECT_EQ(menu.caption("HelpAbout"), "Settings error");
+// Every key of every section of the shipped lang.ini, lower-cased.
+std::map<std::string, std::set<std::string>> ShippedKeys() {
+    std::map<std::string, std::set<std::string>> sections;
+    std::ifstream in(KORVEL_LANG_INI, std::ios::binary);
+    std::string line;
+    std::string section;
+    while (std::getline(in, line)) {
+        if (!line.empty() && line.back() == '\r') {
+            line.pop_back();
+        }
+        if (IsSectionLine(line)) {
+            section = SectionNameOf(line);
+            sections[section];
+        } else if (const auto equals = line.find('='); equals != std::string::npos) {
+            sections[section].insert(ToLowerCp1252(line.substr(0, equals)));
+        }
+    }
+    return sections;
 }
 
-TEST(MenuTreeData, NamesAreUniqueAndRelabelKeysMatchTheDesign) {
-    std::set<std::string> names;
-    std::vector<std::pair<std::string, std::string>> keyed;
+// The keys the sources name as literals: the argument of every text(...) and
+// LookupText(...) call, and every literal that names a shipped key (the keys
+// held in the windows' own tables, which this test cannot link).
+std::set<std::string> KeysNamedInSources(const std::set<std::string>& anyShippedKey) {
+    const std::regex call(R"(\b(?:text|LookupText)\(([^()]*)\))");
+    const std::regex literal(R"re("([A-Za-z][A-Za-z0-9_]*)")re");
+    std::set<std::string> keys;
+    for (const auto& file : std::filesystem::recursive_directory_iterator(
+             std::filesystem::path(KORVEL_SOURCE_DIR) / "src")) {
+        std::ifstream in(file.path(), std::ios::binary);
+        std::stringstream text;
+        text << in.rdbuf();
+        const std::string source = text.str();
+        for (std::sregex_iterator at(source.begin(), source.end(), call), end; at != end; ++at) {
+            const std::string arguments = (*at)[1];
+            for (std::sregex_iterator word(arguments.begin(), arguments.end(), literal);
+                 word != end; ++word) {
+                keys.insert(ToLowerCp1252((*word)[1].str()));
+            }
+        }
+        for (std::sregex_iterator word(source.begin(), source.end(), literal), end; word != end;
+             ++word) {
+            if (anyShippedKey.contains(ToLowerCp1252((*word)[1].str()))) {
+                keys.insert(ToLowerCp1252((*word)[1].str()));
+            }
+        }
+    }
+    return keys;
+}
+
+// A key missing from one section shows "Settings error" in that language.
+TEST(ShippedLanguages, EverySectionHasEveryKeyTheEditorCanReach) {
+    const auto sections = ShippedKeys();
+    ASSERT_GE(sections.size(), 3u);
+    std::set<std::string> anyShippedKey;
+    for (const auto& [name, keys] : sections) {
+        anyShippedKey.insert(keys.begin(), keys.end());
+    }
+    std::set<std::string> reached = KeysNamedInSources(anyShippedKey);
     ForEachMenuNode(MainMenuTree(), [&](const MenuNode& node) {
-        EXPECT_TRUE(names.insert(node.name).second) << node.name;
         if (!node.textKey.empty()) {
-            keyed.emplace_back(node.name, node.textKey);
+            reached.insert(ToLowerCp1252(node.textKey));
         }
     });
-    // 63 relabelled items; spot checks where keys are shared or irregular.
-    EXPECT_EQ(keyed.size(), 63u);
-    const std::pair<std::string, std::string> expected[] = {
-        {"EditSelect", "files1"},       {"SelectAllOther", "files7"}, {"ShowMeOthers", "files7"},
-        {"OptionsLanguage", "menud01"}, {"EditSaveHtml", "menub10b"}, {"ConvLFName", "menub7c"},
-        {"HelpAbout", "menue3"}};
-    for (const auto& pair : expected) {
-        EXPECT_NE(std::find(keyed.begin(), keyed.end(), pair), keyed.end()) << pair.first;
+    const auto add = [&](std::string_view key) { reached.insert(ToLowerCp1252(key)); };
+    for (const TypeSelection& selection : TypeSelections) {
+        add(selection.textKey);
     }
-    EXPECT_EQ(keyed.front().first, "MenuFile");
-    EXPECT_EQ(keyed.back().first, "HelpAbout");
-    // Every archive command the engine enables is an item of the tree.
+    for (const ColumnSpec& column : ArchiveColumns) {
+        add(column.textKey);
+    }
+    for (const ShowMeFamily& family : ShowMeFamilies) {
+        add(family.titleKey);
+    }
+    EXPECT_GT(reached.size(), 150u); // the scan found the sources
+    for (const auto& [name, keys] : sections) {
+        if (name.empty()) {
+            continue; // lines before the first section
+        }
+        for (const std::string& key : reached) {
+            EXPECT_TRUE(keys.contains(key)) << "[" << name << "] lacks " << key;
+        }
+    }
+}
+
+TEST(MenuTreeData, NamesAreUniqueAndEveryArchiveCommandIsAnItem) {
+    std::set<std::string> names;
+    ForEachMenuNode(MainMenuTree(), [&](const MenuNode& node) {
+        EXPECT_TRUE(names.insert(node.name).second) << node.name;
+    });
     for (const std::string& name : ArchiveCommandNames()) {
         EXPECT_NE(FindMenuNode(name), nullptr) << name;
     }

@@ -1,6 +1,6 @@
 #include "window/MainCommands.h"
-#include "window/MenuTree.h"
 #include "platform/Folders.h"
+#include "window/MenuTree.h"
 
 #include "ScriptedDesktop.h"
 #include "TestFolder.h"
@@ -139,41 +139,30 @@ TEST_F(MainFixture, FirstRunYesOpensTheReadme) {
     EXPECT_EQ(settings.ReadSetting("firstRun"), "False");
 }
 
-TEST_F(MainFixture, QuotedCommandLineOpensThatArchiveAndSkipsAutoLoad) {
-    quietSettings();
-    const std::string other = archive("other.img", {"x.dff"});
-    const std::string wanted = archive("my game.img", {"a.dff", "b.txd"});
-    settings.WriteSetting(other, "recent1");
-    commands.Startup("\"" + wanted + "\"");
-    EXPECT_EQ(editor.dataPath(), wanted);
-    EXPECT_EQ(editor.table().size(), 2u);
-    EXPECT_FALSE(editor.menu().isChecked("OptAuto"));
-    EXPECT_TRUE(editor.menu().isEnabled("FileClose"));
-}
-
-TEST_F(MainFixture, CommandLineEndingInImgIgnoringCaseAndOtherLinesFallBackToAutoLoad) {
+TEST_F(MainFixture, CommandLineArchiveOrElseTheMostRecentWhenAutoLoadIsExactlyTrue) {
     quietSettings();
     const std::string recent = archive("recent.img", {"r.dff"});
-    settings.WriteSetting(recent, "recent1");
-    commands.Startup(folder.path().string() + "/notes.txt");
-    EXPECT_EQ(editor.dataPath(), recent);
-    EXPECT_TRUE(editor.menu().isChecked("OptAuto"));
-
-    // Upper-case ".IMG" counts; a missing file ends closed with a message.
-    MainCommands again(editor, list);
-    again.Startup(folder.path().string() + "/GONE.IMG");
-    EXPECT_FALSE(editor.isOpen());
-    EXPECT_TRUE(editor.table().placeholder());
-    EXPECT_EQ(desktop.said("message(Information)").size(), 1u);
-}
-
-TEST_F(MainFixture, AutoLoadOnlyWhenExactlyTrue) {
-    quietSettings();
-    settings.WriteSetting(archive("recent.img", {"r.dff"}), "recent1");
-    settings.WriteSetting("true", "autoLoad");
-    commands.Startup("");
-    EXPECT_FALSE(editor.isOpen());
-    EXPECT_FALSE(editor.menu().isChecked("OptAuto"));
+    const std::string wanted = archive("my game.img", {"a.dff", "b.txd"});
+    const struct {
+        std::string commandLine;
+        std::string autoLoad;
+        std::string opened; // empty: closed
+        bool optAuto;
+    } cases[] = {
+        {"\"" + wanted + "\"", "True", wanted, false},
+        {folder.path().string() + "/notes.txt", "True", recent, true},
+        {"", "true", "", false},
+        {folder.path().string() + "/GONE.IMG", "True", "", false}, // ".IMG" counts
+    };
+    for (const auto& c : cases) {
+        settings.WriteSetting(recent, "recent1");
+        settings.WriteSetting(c.autoLoad, "autoLoad");
+        editor.menu().setChecked("OptAuto", false);
+        MainCommands fresh(editor, list);
+        fresh.Startup(c.commandLine);
+        EXPECT_EQ(editor.isOpen() ? editor.dataPath() : "", c.opened) << c.commandLine;
+        EXPECT_EQ(editor.menu().isChecked("OptAuto"), c.optAuto) << c.commandLine;
+    }
 }
 
 TEST_F(MainFixture, SingleRowIsUnselectedAtStart) {
@@ -228,27 +217,13 @@ TEST_F(MainFixture, StartupOptionsFollowTheSettings) {
     }
 }
 
-TEST_F(MainFixture, ShutdownOffersTheRebuildOnlyWhenPromptedAndChanged) {
-    quietSettings();
-    int rebuilds = 0;
-    editor.setRebuildCommand([&] { ++rebuilds; });
-    const struct {
-        bool prompt;
-        std::string state;
-        int expected;
-    } cases[] = {{true, "peachy", 0}, {false, "shit", 0}, {true, "shit", 1}};
-    for (const auto& c : cases) {
-        rebuilds = 0;
-        editor.menu().setChecked("OptRebuildPrompt", c.prompt);
-        settings.WriteSetting(c.state, "archiveState");
-        commands.Shutdown();
-        EXPECT_EQ(rebuilds, c.expected) << c.prompt << " " << c.state;
-    }
-}
-
-TEST_F(MainFixture, ShutdownEmptiesTheTempsFolderButKeepsFolders) {
+TEST_F(MainFixture, ShutdownOffersTheRebuildAndEmptiesTheTempsFolderButKeepsFolders) {
     quietSettings();
     commands.Startup("");
+    int rebuilds = 0;
+    editor.setRebuildCommand([&] { ++rebuilds; });
+    editor.menu().setChecked("OptRebuildPrompt", true);
+    editor.MarkArchiveChanged();
     test::WriteBytes(TempsFolder() / "a.dff", "x");
     test::WriteBytes(TempsFolder() / "b.txd", "y");
     fs::create_directories(TempsFolder() / "sub");
@@ -256,20 +231,17 @@ TEST_F(MainFixture, ShutdownEmptiesTheTempsFolderButKeepsFolders) {
     EXPECT_FALSE(fs::exists(TempsFolder() / "a.dff"));
     EXPECT_FALSE(fs::exists(TempsFolder() / "b.txd"));
     EXPECT_TRUE(fs::exists(TempsFolder() / "sub"));
+    EXPECT_EQ(rebuilds, 1);
 }
 
 TEST_F(MainFixture, OptionItemsToggleTheirKeys) {
     quietSettings();
-    for (const auto& [item, key] :
-         {std::pair{"OptAuto", "autoLoad"}, std::pair{"OptConDelete", "deleteProm"},
-          std::pair{"OptRebuildPrompt", "rebuildPrompt"}}) {
-        editor.menu().setChecked(item, false);
-        commands.ToggleOption(item);
-        EXPECT_TRUE(editor.menu().isChecked(item));
-        EXPECT_EQ(settings.ReadSetting(key), "True") << key;
-        commands.ToggleOption(item);
-        EXPECT_FALSE(editor.menu().isChecked(item));
-        EXPECT_EQ(settings.ReadSetting(key), "False") << key;
+    for (const OptionSetting& option : OptionSettings) {
+        for (const char* expected : {"True", "False"}) {
+            commands.ToggleOption(option.item);
+            EXPECT_EQ(editor.menu().isChecked(option.item), expected == std::string("True"));
+            EXPECT_EQ(settings.ReadSetting(option.settingKey), expected) << option.item;
+        }
     }
 }
 
@@ -366,14 +338,14 @@ TEST_F(MainFixture, SelectByTypeWithNoMatchClearsAndSaysNotFound) {
 TEST_F(MainFixture, EditSelectSelectsEveryRowAndCountsThem) {
     quietSettings();
     std::vector<std::string> names;
-    for (int i = 0; i < 5000; ++i) {
+    for (int i = 0; i < 500; ++i) {
         names.push_back("e" + std::to_string(i) + ".dff");
     }
     ASSERT_TRUE(editor.OpenArchive(archive("big.img", names)));
     commands.SelectAllEntries();
-    EXPECT_EQ(editor.table().selectedCount(), 5000u);
+    EXPECT_EQ(editor.table().selectedCount(), 500u);
     EXPECT_EQ(desktop.status,
-              settings.LookupText("select1") + " 5000 " + settings.LookupText("select2"));
+              settings.LookupText("select1") + " 500 " + settings.LookupText("select2"));
     commands.ClearSelection();
     EXPECT_EQ(editor.table().selectedCount(), 0u);
 }

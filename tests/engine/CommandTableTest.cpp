@@ -1,0 +1,96 @@
+#include "window/CommandTable.h"
+
+#include "archive/EntryCommands.h"
+#include "archive/QuickReplace.h"
+#include "window/MainCommands.h"
+
+#include "EditorHarness.h"
+#include "ScriptedEntryDialogs.h"
+
+#include <algorithm>
+#include <set>
+
+namespace korvel {
+namespace {
+
+struct NoLooks : ListAppearance {
+    void ClearColumnHeaders() override {}
+    void AddColumnHeader(const std::string&, int) override {}
+    void SetGridLines(bool) override {}
+    void SetRowStripes(std::optional<std::pair<Rgb, Rgb>>) override {}
+};
+
+struct NoQuickReplaceDialogs : QuickReplaceDialogs {
+    void QrMissing(const std::string&, const std::string&) override {}
+};
+
+// Records which window-only command ran.
+struct RecordingWindow : WindowOnlyCommands {
+    std::vector<std::string> ran;
+    void CloseMainWindow() override { ran.push_back("close"); }
+    void ShowAboutBox() override { ran.push_back("about"); }
+    void OpenFindWindow() override { ran.push_back("find"); }
+    void OpenFindInFilesWindow() override { ran.push_back("findInFiles"); }
+    void OpenLineColoursDialog() override { ran.push_back("lineColours"); }
+    void OpenScanOptionsDialog() override { ran.push_back("scanOptions"); }
+    void ShowEntryList(ShowMeList list) override { ran.push_back("list" + list.title); }
+};
+
+class CommandTableTest : public test::EditorHarness {
+protected:
+    NoLooks looks;
+    MainCommands main{editor, looks};
+    test::ScriptedEntryDialogs entryDialogs{settings};
+    EntryCommands entries{editor, entryDialogs};
+    NoQuickReplaceDialogs quickReplaceDialogs;
+    QuickReplace quickReplace{editor, entries, quickReplaceDialogs};
+    RecordingWindow window;
+    std::vector<MenuCommand> table =
+        BuildCommandTable({editor, main, entries, quickReplace, window});
+
+    void run(std::string_view item) {
+        const auto found = std::find_if(table.begin(), table.end(),
+                                        [&](const MenuCommand& c) { return c.item == item; });
+        ASSERT_NE(found, table.end()) << item;
+        found->run();
+    }
+};
+
+TEST_F(CommandTableTest, EveryMenuItemHasExactlyOneCommandAndEveryCommandAnItem) {
+    const std::vector<std::string> items = CommandItemNames();
+    std::multiset<std::string> bound;
+    for (const MenuCommand& command : table) {
+        EXPECT_TRUE(command.run) << command.item;
+        bound.insert(command.item);
+    }
+    for (const std::string& item : items) {
+        EXPECT_EQ(bound.count(item), 1u) << item;
+    }
+    for (const std::string& item : bound) {
+        EXPECT_NE(std::find(items.begin(), items.end(), item), items.end()) << item;
+    }
+    // recent1..3 and lang1..7 are items too, not just the fixed commands.
+    EXPECT_EQ(bound.count("recent3"), 1u);
+    EXPECT_EQ(bound.count("lang7"), 1u);
+}
+
+TEST_F(CommandTableTest, WindowOnlyItemsReachTheirWindowCommand) {
+    openArchive("a.img", {{0, 1, "car.dff"}, {1, 1, "car.txd"}}, 2 * 2048);
+    const std::vector<std::pair<std::string_view, std::string>> cases = {
+        {"FileExit", "close"},
+        {"HelpAbout", "about"},
+        {"EditFind", "find"},
+        {"EditFindIn", "findInFiles"},
+        {"OptsPick", "lineColours"},
+        {"ScanSettings", "scanOptions"},
+        {"ShowMeTextures", "list " + text("show4") + "1]"},
+    };
+    for (const auto& [item, expected] : cases) {
+        window.ran.clear();
+        run(item);
+        EXPECT_EQ(window.ran, std::vector<std::string>{expected}) << item;
+    }
+}
+
+} // namespace
+} // namespace korvel
