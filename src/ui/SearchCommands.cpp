@@ -1,10 +1,9 @@
 #include "ui/SearchCommands.h"
 
-#include "archive/ArchiveCheck.h"
-#include "reports/Reports.h"
 #include "ui/MainWindow.h"
 #include "ui/SearchFilesWindow.h"
 #include "ui/SearchWindow.h"
+#include "window/ReportCommands.h"
 
 namespace korvel::ui {
 namespace {

@@ -1,11 +1,11 @@
 #include "ui/ToolWindows.h"
 
 #include "archive/Marker.h"
-#include "window/ShowMe.h"
-#include "desktop/ShellCommands.h"
 #include "ui/LineColorsDialog.h"
 #include "ui/MainWindow.h"
 #include "ui/ShowMeWindow.h"
+#include "window/DesktopCommands.h"
+#include "window/ShowMe.h"
 
 namespace korvel::ui {
 
