@@ -84,12 +84,12 @@ TEST(CliReport, WritesTheReportInTheChosenLanguage) {
                  {"--html", "english", "<title>Archive report</title>"},
                  {"--text", "DEUTSCH", "//   Archivbericht\r\n"}};
     for (const auto& c : cases) {
-        test::WriteBytes(out, std::string(200'000, '#'));
+        test::WriteBytes(out, std::string(200'000, '\x01'));
         const auto result = RunCli({"report", Demo, out, c.flag, "--language", c.language});
         ASSERT_EQ(result.exitCode, 0) << result.err;
         const std::string written = test::ReadBytes(out);
         EXPECT_EQ(written.rfind(c.firstLine, 0), 0u) << c.flag << " " << c.language;
-        EXPECT_EQ(written.find('#'), std::string::npos);
+        EXPECT_EQ(written.find('\x01'), std::string::npos); // replaced, not overwritten
     }
     const auto klingon = RunCli({"report", Demo, out, "--text", "--language", "klingon"});
     EXPECT_EQ(klingon.exitCode, 1);
