@@ -4,6 +4,7 @@
 #include "ScriptedDesktop.h"
 #include "TestFolder.h"
 #include "archive/ArchiveCheck.h"
+#include "window/ReportCommands.h"
 
 #include <chrono>
 #include <cstdio>

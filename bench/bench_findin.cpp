@@ -4,6 +4,7 @@
 #include "ScriptedDesktop.h"
 #include "TestFolder.h"
 #include "search/FindInFiles.h"
+#include "window/Editor.h"
 
 #include <chrono>
 #include <cstdio>
@@ -48,12 +49,12 @@ int main(int argc, char** argv) {
 
     auto start = std::chrono::steady_clock::now();
     std::uint64_t bytesRead = 0;
-    const std::size_t names = ReadTextureDictionaryNames(editor, &bytesRead).size();
+    const std::size_t names = ReadTextureDictionaryNames(editor.archive(), {}, &bytesRead).size();
     const double read =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 
     start = std::chrono::steady_clock::now();
-    const std::size_t found = FindTexturesInArchive(editor, "_3").size();
+    const std::size_t found = FindTextures(editor.archive(), "_3").size();
     const double search =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 
@@ -64,6 +65,6 @@ int main(int argc, char** argv) {
                 "per texture)\n",
                 read, static_cast<unsigned long long>(bytesRead), 100.0 * bytesRead / dataBytes,
                 static_cast<double>(bytesRead) / static_cast<double>(names));
-    std::printf("FindTexturesInArchive(\"_3\"): %.4f s, %zu results\n", search, found);
+    std::printf("FindTextures(\"_3\"): %.4f s, %zu results\n", search, found);
     return 0;
 }

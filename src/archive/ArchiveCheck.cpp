@@ -7,13 +7,6 @@
 #include <unordered_map>
 
 namespace korvel {
-namespace {
-
-// The status text repaints the window; on 32 767 rows that would cost more
-// than the check itself, so it moves on in steps and always shows the end.
-constexpr std::size_t StatusStep = 512;
-
-} // namespace
 
 std::vector<std::string>
 DuplicatePairs(const EntryTable& table,
@@ -45,36 +38,13 @@ DuplicatePairs(const EntryTable& table,
     return pairs;
 }
 
-std::string DuplicateReport(const Editor& editor, const std::vector<std::string>& pairs) {
-    std::string report = editor.text("aCheck2");
+std::string DuplicateReport(const Settings& texts, const std::vector<std::string>& pairs) {
+    std::string report = texts.LookupText("aCheck2");
     for (const std::string& name : pairs) {
         report += "\r\n";
         report += Cp1252ToUtf8(name);
     }
     return report;
-}
-
-void CheckArchiveAsking(Editor& editor) {
-    Desktop& desktop = editor.desktop();
-    if (desktop.AskYesNo(editor.text("aCheck1") + "\n" + editor.text("rebuild2"),
-                         editor.text("menub8") + "?")) {
-        const std::string label = editor.text("aCheck4");
-        const auto pairs = DuplicatePairs(editor.table(), [&](std::size_t row, std::size_t rows) {
-            if (row == 1 || row == rows || row % StatusStep == 0) {
-                desktop.SetStatus(label + " " + std::to_string(row) + "/" + std::to_string(rows));
-            }
-        });
-        if (pairs.empty()) {
-            desktop.ShowMessage(editor.text("aCheck5"), editor.text("aCheck6"),
-                                MessageIcon::Information);
-        } else {
-            const std::string report = DuplicateReport(editor, pairs);
-            desktop.SetClipboardText(report);
-            desktop.ShowMessage(report + "\n" + editor.text("aCheck3"), editor.text("aCheck6"),
-                                MessageIcon::Information);
-        }
-    }
-    desktop.SetStatus(editor.text("aCheck6"));
 }
 
 } // namespace korvel

@@ -1,7 +1,8 @@
 // The archive check (ComCheck): entries that share a name, case included.
 #pragma once
 
-#include "window/Editor.h"
+#include "archive/EntryTable.h"
+#include "settings/Settings.h"
 
 #include <cstddef>
 #include <functional>
@@ -21,10 +22,6 @@ DuplicatePairs(const EntryTable& table,
                const std::function<void(std::size_t row, std::size_t rows)>& progress = {});
 
 // The check's report: text(aCheck2), then CR LF and a name per pair (UTF-8).
-std::string DuplicateReport(const Editor& editor, const std::vector<std::string>& pairs);
-
-// The ComCheck command: asks first, checks, shows the findings and puts the
-// report on the clipboard when there are any.
-void CheckArchiveAsking(Editor& editor);
+std::string DuplicateReport(const Settings& texts, const std::vector<std::string>& pairs);
 
 } // namespace korvel

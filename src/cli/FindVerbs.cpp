@@ -1,6 +1,7 @@
 // find, find-in, check, report: the finding and report commands without a
 // window. Their output lines are a contract for scripts: keep them as they are.
 #include "archive/ArchiveCheck.h"
+#include "archive/EntryFiles.h"
 #include "archive/Names.h"
 #include "cli/Verbs.h"
 #include "platform/Folders.h"
@@ -21,27 +22,27 @@ int Print(const std::string& out) {
 }
 
 int Find(const Arguments& args) {
-    static const std::map<std::string, FindType, std::less<>> types = {
-        {"all", FindType::All},
-        {"dff", FindType::Models},
-        {"txd", FindType::Textures},
-        {"ifp", FindType::Animations},
-        {"col", FindType::Collisions}};
-    FindType type = FindType::All;
+    static const std::map<std::string, std::optional<EntryKind>, std::less<>> kinds = {
+        {"all", std::nullopt},
+        {"dff", EntryKind::Model},
+        {"txd", EntryKind::Texture},
+        {"ifp", EntryKind::Animation},
+        {"col", EntryKind::Collision}};
+    std::optional<EntryKind> kind;
     if (args.has("--type")) {
-        const auto found = types.find(args.options.at("--type"));
-        if (found == types.end()) {
+        const auto found = kinds.find(args.options.at("--type"));
+        if (found == kinds.end()) {
             return Fail("--type takes all, dff, txd, ifp or col, not \"" +
                         args.options.at("--type") + "\"");
         }
-        type = found->second;
+        kind = found->second;
     }
     Session session;
     if (!session.open(args.operands[0])) {
         return ExitFailure;
     }
     std::string out;
-    for (const FoundEntry& found : SearchArchive(session.editor(), args.operands[1], type)) {
+    for (const FoundEntry& found : FindEntries(session.archive().table(), args.operands[1], kind)) {
         out += std::to_string(found.row) + '\t' + Cp1252ToUtf8(found.name) + '\n';
     }
     return Print(out);
@@ -57,17 +58,18 @@ int FindIn(const Arguments& args) {
     if (!session.open(args.operands[0])) {
         return ExitFailure;
     }
-    Editor& editor = session.editor();
+    const Archive& archive = session.archive();
     const std::string& text = args.operands[1];
     const auto found =
-        textures ? FindTexturesInArchive(editor, text) : FindCollisionModelsInArchive(editor, text);
+        textures ? FindTextures(archive, text) : FindCollisionModels(archive, TempsFolder(), text);
     if (!textures) {
         // The window leaves its copies for the editor to clear on closing; a
         // command-line run has no closing, so it takes its copies away itself.
-        for (const Entry& entry : editor.table().rows()) {
-            if (ToLowerCp1252(entry.name).ends_with(".col")) {
+        for (const Entry& entry : archive.table().rows()) {
+            const auto copy = EntryFileIn(TempsFolder(), entry.name);
+            if (KindOfName(entry.name) == EntryKind::Collision && copy) {
                 std::error_code ec;
-                std::filesystem::remove(TempsFolder() / Cp1252ToUtf8(entry.name), ec);
+                std::filesystem::remove(*copy, ec);
             }
         }
     }
@@ -85,7 +87,7 @@ int Check(const Arguments& args) {
         return ExitFailure;
     }
     std::string out;
-    for (const std::string& name : DuplicatePairs(session.editor().table())) {
+    for (const std::string& name : DuplicatePairs(session.archive().table())) {
         out += Cp1252ToUtf8(name) + '\n';
     }
     return Print(out);
@@ -98,23 +100,19 @@ int Report(const Arguments& args) {
         return ExitUsage;
     }
     Session session;
-    Editor& editor = session.editor();
+    Settings& settings = session.settings();
     if (args.has("--language")) {
         const std::string& language = args.options.at("--language");
-        editor.settings().WriteSetting(language, "language");
-        if (editor.text("report1") == SettingsError) {
+        settings.WriteSetting(language, "language");
+        if (settings.LookupText("report1") == SettingsError) {
             return Fail("lang.ini has no language \"" + language + "\"");
         }
     }
     if (!session.open(args.operands[0])) {
         return ExitFailure;
     }
-    // The report command itself, answered as a person would: this file, and
-    // yes, replace it.
-    session.desktop().fileDialogPaths = {args.operands[1]};
-    session.desktop().yesAnswer = true;
-    text ? SaveTextReportAskingPath(editor) : SaveHtmlReportAskingPath(editor);
-    if (session.desktop().status != editor.text("sd7")) {
+    const ReportKind kind = text ? ReportKind::Text : ReportKind::Html;
+    if (!WriteReport(session.archive(), settings, kind, args.operands[1]).ok()) {
         return Fail("cannot write the report " + args.operands[1]);
     }
     return 0;

@@ -18,15 +18,4 @@ std::optional<std::string> HelpTarget(std::string_view item) {
     return std::nullopt;
 }
 
-void RunHelpCommand(Desktop& desktop, std::string_view item) {
-    if (const auto target = HelpTarget(item)) {
-        (void)desktop.OpenWithShell(*target);
-    }
-}
-
-void AssociateWithImgFiles(Editor& editor) {
-    (void)RegisterFileAssociation();
-    editor.desktop().SetStatus(editor.text("fileReg"));
-}
-
 } // namespace korvel

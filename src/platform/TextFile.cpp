@@ -25,19 +25,23 @@ std::string ToAnsi(std::string_view utf8) {
     return out;
 }
 
-bool WriteLines(const std::filesystem::path& path, const std::vector<std::string>& lines) {
+Status WriteLines(const std::filesystem::path& path, const std::vector<std::string>& lines) {
+    const auto failed = [&] {
+        const std::u8string name = path.u8string();
+        return Status::Failed("cannot write " + std::string(name.begin(), name.end()));
+    };
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
     if (!out) {
-        return false;
+        return failed();
     }
     for (const std::string& line : lines) {
         out << line << "\r\n";
         if (!out) {
-            return false;
+            return failed();
         }
     }
     out.close();
-    return static_cast<bool>(out);
+    return out ? Status::Ok() : failed();
 }
 
 } // namespace korvel

@@ -3,6 +3,8 @@
 // them, and end every line with CR LF.
 #pragma once
 
+#include "platform/Status.h"
+
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -15,7 +17,7 @@ namespace korvel {
 std::string ToAnsi(std::string_view utf8);
 
 // Creates `path` (emptying an existing file) and writes each line followed by
-// CR LF, line by line. False at the first failure; what was written stays.
-bool WriteLines(const std::filesystem::path& path, const std::vector<std::string>& lines);
+// CR LF, line by line. Fails at the first failure; what was written stays.
+Status WriteLines(const std::filesystem::path& path, const std::vector<std::string>& lines);
 
 } // namespace korvel

@@ -12,22 +12,18 @@
 namespace korvel {
 namespace {
 
-// The type groups in report order, by the last four characters of the
-// lower-cased name; everything else is "other".
-constexpr std::array<std::string_view, 4> TypeEndings = {".dff", ".txd", ".ifp", ".col"};
+// The type groups in report order; the marker counts as "other".
+constexpr std::array<EntryKind, 5> ReportGroups = {EntryKind::Model, EntryKind::Texture,
+                                                   EntryKind::Animation, EntryKind::Collision,
+                                                   EntryKind::Other};
 
-std::array<std::size_t, 5> CountTypes(const EntryTable& table) {
+std::array<std::size_t, 5> CountGroups(const EntryTable& table) {
     std::array<std::size_t, 5> counts{};
     for (const Entry& entry : table.rows()) {
-        const std::string lower = ToLowerCp1252(entry.name);
-        std::size_t group = TypeEndings.size();
-        for (std::size_t t = 0; t < TypeEndings.size(); ++t) {
-            if (lower.ends_with(TypeEndings[t])) {
-                group = t;
-                break;
-            }
+        const EntryKind kind = KindOfName(entry.name);
+        for (std::size_t g = 0; g < ReportGroups.size(); ++g) {
+            counts[g] += ReportGroups[g] == kind ? 1 : 0;
         }
-        ++counts[group];
     }
     return counts;
 }
@@ -37,37 +33,6 @@ std::string PadTo(std::string text, std::size_t width) {
         text.append(width - text.size(), ' ');
     }
     return text;
-}
-
-void SaveReport(Editor& editor, ReportKind kind) {
-    Desktop& desktop = editor.desktop();
-    const auto failed = [&] { desktop.SetStatus(editor.text("sd8")); };
-    for (;;) {
-        const FileDialogAnswer answer = desktop.SaveFileDialog(
-            {editor.text("menub10"),
-             kind == ReportKind::Text ? editor.text("cdFiles3") : editor.text("cdFiles4"),
-             {},
-             {},
-             false});
-        if (answer.outcome == FileDialogAnswer::Outcome::Failed) {
-            return failed();
-        }
-        if (!answer.chosen() || answer.paths.front().empty()) {
-            return;
-        }
-        const std::string& path = answer.paths.front();
-        if (FileExists(path) &&
-            !desktop.AskYesNo(path + "\r\n" + editor.text("fe3"), editor.text("fe2"))) {
-            continue;
-        }
-        const auto dataBytes = FileLength(editor.dataPath());
-        if (!dataBytes ||
-            !WriteLines(path, ReportLines(editor, kind, ReportFactsNow(*dataBytes)))) {
-            return failed();
-        }
-        desktop.SetStatus(editor.text("sd7"));
-        return;
-    }
 }
 
 } // namespace
@@ -85,14 +50,14 @@ std::uint64_t ReportKilobytes(std::uint64_t bytes) {
     return kb;
 }
 
-std::vector<std::string> ReportLines(const Editor& editor, ReportKind kind,
+std::vector<std::string> ReportLines(const Archive& archive, const Settings& texts, ReportKind kind,
                                      const ReportFacts& facts) {
-    const auto text = [&](std::string_view key) { return ToAnsi(editor.text(key)); };
-    const EntryTable& table = editor.table();
-    const auto counts = CountTypes(table);
+    const auto text = [&](std::string_view key) { return ToAnsi(texts.LookupText(key)); };
+    const EntryTable& table = archive.table();
+    const auto counts = CountGroups(table);
     const std::string rows = std::to_string(table.size());
     const std::string kb = std::to_string(ReportKilobytes(facts.dataBytes)) + "kb";
-    const std::string path = ToAnsi(editor.dataPath());
+    const std::string path = ToAnsi(archive.dataPath());
     const std::string date = ToAnsi(facts.date) + " at " + ToAnsi(facts.time);
     const std::array<std::string, 5> typeLabels = {text("files2"), text("files3"), text("files4"),
                                                    text("files5"), text("files6")};
@@ -173,12 +138,13 @@ std::vector<std::string> ReportLines(const Editor& editor, ReportKind kind,
     return lines;
 }
 
-void SaveTextReportAskingPath(Editor& editor) {
-    SaveReport(editor, ReportKind::Text);
-}
-
-void SaveHtmlReportAskingPath(Editor& editor) {
-    SaveReport(editor, ReportKind::Html);
+Status WriteReport(const Archive& archive, const Settings& texts, ReportKind kind,
+                   const std::filesystem::path& path) {
+    const auto dataBytes = FileLength(archive.dataPath());
+    if (!dataBytes) {
+        return Status::Failed("cannot read the size of " + archive.dataPath());
+    }
+    return WriteLines(path, ReportLines(archive, texts, kind, ReportFactsNow(*dataBytes)));
 }
 
 } // namespace korvel

@@ -1,12 +1,15 @@
 // The archive reports: a plain-text report (EditSave) and an HTML page
-// (EditSaveHtml) of the open archive: titles, date and time, the data file's
+// (EditSaveHtml) of an open archive: titles, date and time, the data file's
 // path and size, the entry count, the count per type and a table of all
 // entries in row order. Files are Windows-1252 with CR LF line ends.
 #pragma once
 
-#include "window/Editor.h"
+#include "archive/Archive.h"
+#include "platform/Status.h"
+#include "settings/Settings.h"
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -26,13 +29,15 @@ ReportFacts ReportFactsNow(std::uint64_t dataBytes);
 // Kilobytes as the report shows them: bytes / 1024, halves to even.
 std::uint64_t ReportKilobytes(std::uint64_t bytes);
 
-// Every line of a report, without line ends.
-std::vector<std::string> ReportLines(const Editor& editor, ReportKind kind,
+// Every line of a report, without line ends. Texts come from `texts` in
+// the current language.
+std::vector<std::string> ReportLines(const Archive& archive, const Settings& texts, ReportKind kind,
                                      const ReportFacts& facts);
 
-// The commands: choose a file (asking before replacing one), write the
-// report, and say so in the status bar.
-void SaveTextReportAskingPath(Editor& editor);
-void SaveHtmlReportAskingPath(Editor& editor);
+// Writes the report of `archive` as it is now to `path`, replacing any file
+// there. Fails when the data file's size cannot be read or the file cannot
+// be written; what was written then stays.
+Status WriteReport(const Archive& archive, const Settings& texts, ReportKind kind,
+                   const std::filesystem::path& path);
 
 } // namespace korvel

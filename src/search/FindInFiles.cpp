@@ -1,16 +1,13 @@
 #include "search/FindInFiles.h"
 
 #include "archive/EntryFiles.h"
-
-#include "archive/EntryCommands.h"
 #include "archive/Names.h"
 #include "platform/FileCopy.h"
-#include "platform/Folders.h"
 #include "search/ByteSource.h"
 #include "search/CollisionFile.h"
-#include "search/Results.h"
 #include "search/TextureDictionary.h"
 
+#include <optional>
 #include <system_error>
 
 namespace korvel {
@@ -18,14 +15,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-bool EndsWithType(const Entry& entry, std::string_view ending) {
-    return ToLowerCp1252(entry.name).ends_with(ending);
+bool IsOfKind(const Entry& entry, EntryKind kind) {
+    return KindOfName(entry.name) == kind;
 }
 
-std::size_t CountOfType(const EntryTable& table, std::string_view ending) {
+std::size_t CountOfKind(const EntryTable& table, EntryKind kind) {
     std::size_t n = 0;
     for (const Entry& entry : table.rows()) {
-        n += EndsWithType(entry, ending) ? 1 : 0;
+        n += IsOfKind(entry, kind) ? 1 : 0;
     }
     return n;
 }
@@ -36,42 +33,49 @@ bool SkippedDictionary(const std::string& name) {
            name == "xmode.txd";
 }
 
-fs::path TempsCopy(const std::string& rawName) {
-    return TempsFolder() / Cp1252ToUtf8(rawName);
-}
-
-// With nothing to read the bar keeps the range it had.
-void ShowProgressFor(Desktop& desktop, std::size_t entries) {
-    desktop.SetProgress(0);
-    if (entries != 0) {
-        desktop.ShowProgress(static_cast<int>(entries));
+void Begin(const SearchProgress& progress, std::size_t entries) {
+    if (progress.begin) {
+        progress.begin(entries);
     }
 }
 
-// Ends a search as the window does: normal pointer, progress back to 0.
-void EndSearch(Desktop& desktop) {
-    desktop.SetBusy(false);
-    desktop.SetProgress(0);
-    desktop.HideProgress();
+void Step(const SearchProgress& progress, std::size_t done) {
+    if (progress.step) {
+        progress.step(done);
+    }
+}
+
+// The models of the copy of a collision entry; nothing when there is no
+// copy to read.
+void ReadCollisionCopy(const fs::path& copy, const Entry& entry, std::size_t row,
+                       std::vector<NameRow>& names) {
+    FileSource file;
+    const auto length = FileLength(copy);
+    if (!length || !file.open(copy)) {
+        return;
+    }
+    for (std::string& model : ReadCollisionNames(file, 0, *length)) {
+        names.push_back({std::move(model), entry.name, row});
+    }
 }
 
 } // namespace
 
-std::vector<NameRow> ReadTextureDictionaryNames(Editor& editor, std::uint64_t* bytesRead) {
-    const EntryTable& table = editor.table();
-    Desktop& desktop = editor.desktop();
-    ShowProgressFor(desktop, CountOfType(table, ".txd"));
+std::vector<NameRow> ReadTextureDictionaryNames(const Archive& archive,
+                                                const SearchProgress& progress,
+                                                std::uint64_t* bytesRead) {
+    const EntryTable& table = archive.table();
+    Begin(progress, CountOfKind(table, EntryKind::Texture));
     std::vector<NameRow> names;
-    // A data file that cannot be opened reads as holding nothing.
     FileSource data;
-    data.open(editor.dataPath());
-    int step = 0;
+    data.open(archive.dataPath());
+    std::size_t step = 0;
     for (std::size_t i = 0; i < table.size(); ++i) {
         const Entry& entry = table[i];
-        if (!EndsWithType(entry, ".txd")) {
+        if (!IsOfKind(entry, EntryKind::Texture)) {
             continue;
         }
-        desktop.SetProgress(++step);
+        Step(progress, ++step);
         if (SkippedDictionary(entry.name) || !data.isOpen()) {
             continue;
         }
@@ -85,71 +89,52 @@ std::vector<NameRow> ReadTextureDictionaryNames(Editor& editor, std::uint64_t* b
     return names;
 }
 
-bool CopyEntryToTempsFolder(Editor& editor, std::size_t row) {
-    if (row == 0 || row > editor.table().size()) {
-        return false;
-    }
-    const Entry& entry = editor.table()[row - 1];
-    const auto copy = EntryFileIn(TempsFolder(), entry.name);
-    if (!copy) {
-        return false;
-    }
-    std::error_code ec;
-    fs::create_directories(TempsFolder(), ec);
-    return CopyEntryToFile(editor.archive(), entry, *copy).ok();
-}
-
-void ReadCollisionFileNames(const std::string& fileName, std::size_t row,
-                            std::vector<NameRow>& names) {
-    const fs::path path = TempsCopy(fileName);
-    FileSource file;
-    const auto length = FileLength(path);
-    if (!length || !file.open(path)) {
-        return;
-    }
-    for (std::string& model : ReadCollisionNames(file, 0, *length)) {
-        names.push_back({std::move(model), fileName, row});
-    }
-}
-
-std::vector<FoundInFile> FindTexturesInArchive(Editor& editor, const std::string& text) {
-    Desktop& desktop = editor.desktop();
-    desktop.SetBusy(true);
-    editor.settings().WriteSetting(text, "lastFileSearch");
-    const std::vector<NameRow> names = ReadTextureDictionaryNames(editor);
+std::vector<FoundInFile> FindTextures(const Archive& archive, std::string_view text,
+                                      const SearchProgress& progress) {
+    const std::vector<NameRow> names = ReadTextureDictionaryNames(archive, progress);
     std::vector<FoundInFile> found;
-    // Texture names match with case: the text is compared byte for byte.
     if (const auto wanted = Utf8ToCp1252(text)) {
         for (const NameRow& n : names) {
             if (n.name.find(*wanted) != std::string::npos) {
-                found.push_back({n.name, editor.table()[n.row - 1].name, n.row});
+                found.push_back({n.name, archive.table()[n.row - 1].name, n.row});
             }
         }
     }
-    EndSearch(desktop);
     return found;
 }
 
-std::vector<FoundInFile> FindCollisionModelsInArchive(Editor& editor, const std::string& text) {
-    Desktop& desktop = editor.desktop();
-    desktop.SetBusy(true);
-    editor.settings().WriteSetting(text, "lastFileSearch");
-    const EntryTable& table = editor.table();
-    ShowProgressFor(desktop, CountOfType(table, ".col"));
-    std::vector<std::pair<std::string, std::size_t>> files;
+std::vector<FoundInFile> FindCollisionModels(const Archive& archive, const fs::path& copiesFolder,
+                                             std::string_view text,
+                                             const SearchProgress& progress) {
+    const EntryTable& table = archive.table();
+    Begin(progress, CountOfKind(table, EntryKind::Collision));
+    struct Copy {
+        std::size_t row;
+        std::optional<fs::path> path; // nothing when the name cannot be a file name
+    };
+    std::vector<Copy> copies;
     for (std::size_t i = 0; i < table.size(); ++i) {
-        if (EndsWithType(table[i], ".col")) {
-            files.emplace_back(table[i].name, i + 1);
-            CopyEntryToTempsFolder(editor, i + 1);
-            desktop.SetProgress(static_cast<int>(files.size()));
+        if (!IsOfKind(table[i], EntryKind::Collision)) {
+            continue;
         }
+        Copy copy{i + 1, EntryFileIn(copiesFolder, table[i].name)};
+        if (copy.path) {
+            std::error_code ec;
+            fs::create_directories(copiesFolder, ec);
+            // A copy that fails is read for what it holds, as it always was.
+            (void)CopyEntryToFile(archive, table[i], *copy.path);
+        }
+        copies.push_back(std::move(copy));
+        Step(progress, copies.size());
     }
-    desktop.SetProgress(0);
+    Step(progress, 0);
     std::vector<NameRow> names;
-    int step = 0;
-    for (const auto& [name, row] : files) {
-        desktop.SetProgress(++step);
-        ReadCollisionFileNames(name, row, names);
+    std::size_t step = 0;
+    for (const Copy& copy : copies) {
+        Step(progress, ++step);
+        if (copy.path) {
+            ReadCollisionCopy(*copy.path, table[copy.row - 1], copy.row, names);
+        }
     }
     std::vector<FoundInFile> found;
     if (const auto wanted = Utf8ToCp1252(text)) {
@@ -160,18 +145,16 @@ std::vector<FoundInFile> FindCollisionModelsInArchive(Editor& editor, const std:
             }
         }
     }
-    EndSearch(desktop);
     return found;
 }
 
-void SaveFileSearchResults(Editor& editor, const std::optional<std::vector<FoundInFile>>& results) {
+std::vector<std::string> FoundInFileLines(const std::vector<FoundInFile>& found) {
     std::vector<std::string> lines;
-    if (results) {
-        for (const FoundInFile& found : *results) {
-            lines.push_back(found.name + "  --  " + found.entryName);
-        }
+    lines.reserve(found.size());
+    for (const FoundInFile& f : found) {
+        lines.push_back(f.name + "  --  " + f.entryName);
     }
-    SaveResultLines(editor, results.has_value(), lines, true);
+    return lines;
 }
 
 } // namespace korvel

@@ -5,6 +5,7 @@
 #include "ui/ArchiveView.h"
 #include "ui/EntryModel.h"
 #include "ui/MainWindow.h"
+#include "window/FindCommands.h"
 
 #include <QAction>
 #include <QGridLayout>

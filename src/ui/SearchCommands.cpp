@@ -3,6 +3,7 @@
 #include "ui/MainWindow.h"
 #include "ui/SearchFilesWindow.h"
 #include "ui/SearchWindow.h"
+#include "window/ReportCommands.h"
 
 namespace korvel::ui {
 namespace {

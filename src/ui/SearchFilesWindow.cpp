@@ -68,8 +68,8 @@ void SearchFilesWindow::search() {
     {
         LentProgressBar lent(main_.desktop(), progress_);
         const std::string text = searchText()->text().toStdString();
-        found_ = collisions_->isChecked() ? FindCollisionModelsInArchive(main_.editor(), text)
-                                          : FindTexturesInArchive(main_.editor(), text);
+        found_ = collisions_->isChecked() ? SearchCollisionModels(main_.editor(), text)
+                                          : SearchTextures(main_.editor(), text);
     }
     // The engine hides PB1 when it is done; this one stays in its place.
     progress_->setValue(0);
@@ -85,7 +85,7 @@ void SearchFilesWindow::search() {
 }
 
 void SearchFilesWindow::save() {
-    SaveFileSearchResults(main_.editor(), found_);
+    SaveFoundInFiles(main_.editor(), found_);
 }
 
 } // namespace korvel::ui

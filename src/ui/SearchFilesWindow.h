@@ -2,8 +2,8 @@
 // model names inside its collision files, with the entry that holds each.
 #pragma once
 
-#include "search/FindInFiles.h"
 #include "ui/ResultWindow.h"
+#include "window/FindCommands.h"
 
 #include <optional>
 #include <vector>

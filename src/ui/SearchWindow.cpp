@@ -16,15 +16,15 @@ namespace {
 struct TypeOption {
     const char* name;
     const char* key;
-    FindType type;
+    std::optional<EntryKind> kind;
 };
 
 constexpr std::array<TypeOption, 5> TypeOptions{{
-    {"searchAll", "files1", FindType::All},
-    {"searchTextures", "files3", FindType::Textures},
-    {"searchModels", "files2", FindType::Models},
-    {"searchAni", "files4", FindType::Animations},
-    {"searchCol", "files5", FindType::Collisions},
+    {"searchAll", "files1", std::nullopt},
+    {"searchTextures", "files3", EntryKind::Texture},
+    {"searchModels", "files2", EntryKind::Model},
+    {"searchAni", "files4", EntryKind::Animation},
+    {"searchCol", "files5", EntryKind::Collision},
 }};
 
 const ResultWindowLayout Layout{
@@ -56,17 +56,17 @@ SearchWindow::SearchWindow(MainWindow& main) : ResultWindow(main, Layout) {
     fitToContents();
 }
 
-FindType SearchWindow::type() const {
+std::optional<EntryKind> SearchWindow::kind() const {
     for (std::size_t i = 0; i < TypeOptions.size(); ++i) {
         if (types_[i]->isChecked()) {
-            return TypeOptions[i].type;
+            return TypeOptions[i].kind;
         }
     }
-    return FindType::All;
+    return std::nullopt;
 }
 
 void SearchWindow::search() {
-    found_ = SearchArchive(main_.editor(), searchText()->text().toStdString(), type());
+    found_ = SearchArchive(main_.editor(), searchText()->text().toStdString(), kind());
     std::vector<QStringList> rows;
     std::vector<std::size_t> numbers;
     for (const FoundEntry& entry : *found_) {
@@ -86,7 +86,7 @@ void SearchWindow::search() {
 }
 
 void SearchWindow::save() {
-    SaveFoundNames(main_.editor(), found_);
+    SaveFoundEntries(main_.editor(), found_);
 }
 
 } // namespace korvel::ui

@@ -2,8 +2,8 @@
 // optionally of one type, with their row numbers in the main list.
 #pragma once
 
-#include "search/FindInArchive.h"
 #include "ui/ResultWindow.h"
+#include "window/FindCommands.h"
 
 #include <optional>
 #include <vector>
@@ -17,7 +17,8 @@ class SearchWindow : public ResultWindow {
 public:
     explicit SearchWindow(MainWindow& main);
 
-    FindType type() const;
+    // The chosen kind; nothing for "all".
+    std::optional<EntryKind> kind() const;
     void search() override;
 
 private:

@@ -3,6 +3,7 @@
 #include "ui/LineColorsDialog.h"
 #include "ui/MainWindow.h"
 #include "ui/ShowMeWindow.h"
+#include "window/ShowMe.h"
 
 namespace korvel::ui {
 

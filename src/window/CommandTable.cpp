@@ -1,11 +1,10 @@
 #include "window/CommandTable.h"
 
-#include "archive/ArchiveCheck.h"
+#include "window/ReportCommands.h"
 #include "archive/EntryCommands.h"
 #include "archive/Marker.h"
 #include "archive/QuickReplace.h"
-#include "desktop/ShellCommands.h"
-#include "reports/Reports.h"
+#include "window/DesktopCommands.h"
 #include "window/Editor.h"
 #include "window/MainCommands.h"
 #include "window/MenuTree.h"

@@ -2,6 +2,7 @@
 
 #include "platform/TextFile.h"
 #include "search/Results.h"
+#include "window/SaveLines.h"
 
 #include <algorithm>
 #include <iterator>
@@ -39,13 +40,11 @@ std::vector<std::string> ShowMeLines(const Editor& editor, const ShowMeList& lis
 }
 
 bool SaveShowMeList(Editor& editor, const ShowMeList& list) {
-    const FileDialogAnswer answer = editor.desktop().SaveFileDialog(
-        {editor.text("sd0"), editor.text("cdFiles3"), {}, {}, false});
-    if (!answer.chosen() || answer.paths.front().empty()) {
-        return false;
-    }
     // The list window shows no errors of its own; a failed save ends quietly.
-    return WriteLines(answer.paths.front(), ShowMeLines(editor, list));
+    return SaveLinesAskingPath(editor, {editor.text("sd0"), editor.text("cdFiles3"), {}, {}, false},
+                               false, [&](const std::filesystem::path& path) {
+                                   return WriteLines(path, ShowMeLines(editor, list));
+                               }) == SaveOutcome::Saved;
 }
 
 std::optional<std::size_t> HighlightShowMeRows(EntryTable& table,

@@ -1,7 +1,7 @@
-#include "desktop/ShellCommands.h"
 #include "EntryFixture.h"
 #include "desktop/FileAssociation.h"
 #include "platform/Folders.h"
+#include "window/DesktopCommands.h"
 
 #include <cstdlib>
 

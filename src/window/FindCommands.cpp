@@ -1,0 +1,92 @@
+#include "window/FindCommands.h"
+
+#include "platform/Folders.h"
+#include "platform/TextFile.h"
+#include "window/SaveLines.h"
+
+namespace korvel {
+namespace {
+
+// The search's progress on PB1. With nothing to read the bar keeps the range
+// it had.
+SearchProgress ProgressOn(Desktop& desktop) {
+    return {[&desktop](std::size_t entries) {
+                desktop.SetProgress(0);
+                if (entries != 0) {
+                    desktop.ShowProgress(static_cast<int>(entries));
+                }
+            },
+            [&desktop](std::size_t done) { desktop.SetProgress(static_cast<int>(done)); }};
+}
+
+// A file search as the window runs it: busy pointer and the remembered text
+// first; normal pointer and progress back to 0 at the end.
+template <class Search>
+std::vector<FoundInFile> RunFileSearch(Editor& editor, const std::string& text, Search search) {
+    Desktop& desktop = editor.desktop();
+    desktop.SetBusy(true);
+    editor.settings().WriteSetting(text, "lastFileSearch");
+    std::vector<FoundInFile> found = search(ProgressOn(desktop));
+    desktop.SetBusy(false);
+    desktop.SetProgress(0);
+    desktop.HideProgress();
+    return found;
+}
+
+// Before the first search the list has no rows at all; after a search that
+// found nothing it holds the placeholder row, which is not saved either.
+void SaveResultLines(Editor& editor, bool searched, const std::vector<std::string>& lines,
+                     bool askBeforeReplacing) {
+    Desktop& desktop = editor.desktop();
+    if (!searched) {
+        desktop.ShowMessage(editor.text("sd3"), editor.text("sd4"), MessageIcon::Information);
+        return;
+    }
+    if (lines.empty()) {
+        desktop.ShowMessage(editor.text("sd3"), "", MessageIcon::None);
+        return;
+    }
+    // Saving ends quietly on failure, as the result windows show no errors.
+    (void)SaveLinesAskingPath(
+        editor, {editor.text("sd0"), editor.text("cdFiles3"), {}, {}, false}, askBeforeReplacing,
+        [&](const std::filesystem::path& path) { return WriteLines(path, lines); });
+}
+
+} // namespace
+
+std::string FoundCountText(const Editor& editor, std::size_t count) {
+    return editor.text("find5") + " " + std::to_string(count);
+}
+
+std::vector<FoundEntry> SearchArchive(Editor& editor, const std::string& text,
+                                      std::optional<EntryKind> kind) {
+    editor.settings().WriteSetting(text, "lastSearch");
+    if (!editor.table().empty()) {
+        editor.table().setSelected(0, false);
+    }
+    return FindEntries(editor.table(), text, kind);
+}
+
+std::vector<FoundInFile> SearchTextures(Editor& editor, const std::string& text) {
+    return RunFileSearch(editor, text, [&](const SearchProgress& progress) {
+        return FindTextures(editor.archive(), text, progress);
+    });
+}
+
+std::vector<FoundInFile> SearchCollisionModels(Editor& editor, const std::string& text) {
+    return RunFileSearch(editor, text, [&](const SearchProgress& progress) {
+        return FindCollisionModels(editor.archive(), TempsFolder(), text, progress);
+    });
+}
+
+void SaveFoundEntries(Editor& editor, const std::optional<std::vector<FoundEntry>>& found) {
+    SaveResultLines(editor, found.has_value(),
+                    found ? FoundEntryLines(*found) : std::vector<std::string>{}, false);
+}
+
+void SaveFoundInFiles(Editor& editor, const std::optional<std::vector<FoundInFile>>& found) {
+    SaveResultLines(editor, found.has_value(),
+                    found ? FoundInFileLines(*found) : std::vector<std::string>{}, true);
+}
+
+} // namespace korvel
