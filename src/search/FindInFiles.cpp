@@ -2,7 +2,6 @@
 
 #include "archive/EntryFiles.h"
 
-#include "archive/EntryCommands.h"
 #include "archive/Names.h"
 #include "platform/FileCopy.h"
 #include "platform/Folders.h"

@@ -239,9 +239,9 @@ void MainWindow::registerEntryCommands() {
     setCommand("EditAdd", [&c] { c.AddFilesAskingPaths(); });
     setCommand("ComReplace", [&c] { c.ReplaceSelectedAskingFiles(); });
     setCommand("ComRename", [&c] { c.RenameSelectedWithDialog(); });
-    setCommand("EditLowCaseName", [&c] { c.LowerCaseSelected(EntryCommands::NameCase::BeforeExtension); });
-    setCommand("EditLowCase", [&c] { c.LowerCaseSelected(EntryCommands::NameCase::Extension); });
-    setCommand("ConvLFName", [&c] { c.LowerCaseSelected(EntryCommands::NameCase::Whole); });
+    setCommand("EditLowCaseName", [&c] { c.LowerCaseSelected(NameCase::BeforeExtension); });
+    setCommand("EditLowCase", [&c] { c.LowerCaseSelected(NameCase::Extension); });
+    setCommand("ConvLFName", [&c] { c.LowerCaseSelected(NameCase::Whole); });
     setCommand("ComDel", [&c] { c.DeleteSelectedAsking(); });
     setCommand("ComMove", [&c] { c.MoveSelectedToEnd(); });
     setCommand("ComRebuild", [&c] { c.RebuildAsking(); });

@@ -5,7 +5,7 @@
 #pragma once
 
 #include "window/Editor.h"
-#include "archive/EntryCommands.h"
+#include "window/EntryCommands.h"
 #include "window/MainCommands.h"
 #include "ui/QtDesktop.h"
 #include "ui/QtEntryDialogs.h"

@@ -1,6 +1,5 @@
 #include "ui/ToolWindows.h"
 
-#include "archive/Marker.h"
 #include "window/ShowMe.h"
 #include "desktop/ShellCommands.h"
 #include "ui/LineColorsDialog.h"
@@ -16,8 +15,7 @@ ToolWindows::ToolWindows(MainWindow& main)
     setObjectName(QStringLiteral("toolWindows"));
     Editor& editor = main.editor();
     main.setCommand("CmdGroupReplace", [this] { quickReplace_.QuickReplaceSelected(); });
-    main.setCommand("EditInsertMarker",
-                    [&main, &editor] { InsertMarker(main.entryCommands(), editor); });
+    main.setCommand("EditInsertMarker", [&main] { main.entryCommands().InsertMarker(); });
     main.setCommand("OptsPick", [this] { optsPick(); });
     for (const ShowMeFamily& family : ShowMeFamilies) {
         const char* item = family.item.data();

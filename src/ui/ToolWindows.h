@@ -4,7 +4,7 @@
 // items by name; the windows are single instances owned by the main window.
 #pragma once
 
-#include "archive/QuickReplace.h"
+#include "window/QuickReplaceCommand.h"
 #include "window/RowColours.h"
 #include "ui/QuickReplaceDialog.h"
 

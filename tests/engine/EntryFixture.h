@@ -5,7 +5,7 @@
 
 #include "EditorHarness.h"
 #include "ScriptedEntryDialogs.h"
-#include "archive/EntryCommands.h"
+#include "window/EntryCommands.h"
 #include "platform/FileCopy.h"
 
 #include <gtest/gtest.h>
