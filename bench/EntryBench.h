@@ -4,7 +4,7 @@
 
 #include "BenchSupport.h"
 #include "ScriptedEntryDialogs.h"
-#include "archive/EntryCommands.h"
+#include "window/EntryCommands.h"
 
 namespace korvel::bench {
 

@@ -1,16 +1,16 @@
-// Adding files as new entries: the duplicate scan with its four answers, the
-// data appended behind the entry that lies last, texture dictionaries last in
-// a batch, and one directory write per batch.
-#include "archive/EntryCommands.h"
+// Adding files as new entries: the duplicate scan, the data appended behind
+// the entry that lies last, and one directory write per batch.
+#include "archive/EntryOperations.h"
 
+#include "platform/Cp1252.h"
 #include "platform/FileCopy.h"
+#include "platform/FileSystem.h"
 
 #include <algorithm>
 #include <limits>
 #include <unordered_map>
 
 namespace korvel {
-namespace fs = std::filesystem;
 namespace {
 
 bool LowerLess(std::string_view a, std::string_view b) {
@@ -20,36 +20,51 @@ bool LowerLess(std::string_view a, std::string_view b) {
     });
 }
 
-bool IsTextureDictionary(std::string_view name) {
-    return name.size() >= 4 && ToLowerCp1252(name.substr(name.size() - 4)) == ".txd";
-}
-
-std::string FolderWithSeparator(const std::string& path) {
-    const auto slash = path.find_last_of("/\\");
-    return slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
+AddOutcome Failure(std::string error) {
+    AddOutcome outcome;
+    outcome.result = AddResult::Failed;
+    outcome.status = Status::Failed(std::move(error));
+    return outcome;
 }
 
 } // namespace
 
-long NumberSetting(const std::string& value) {
-    long number = 0;
-    for (char c : value) {
-        if (c < '0' || c > '9') {
-            break;
-        }
-        number = number * 10 + (c - '0');
-        if (number > 1000000) {
-            break;
+std::string_view DuplicateAnswerWord(DuplicateAnswer answer) {
+    switch (answer) {
+    case DuplicateAnswer::Replace:
+        return "replace";
+    case DuplicateAnswer::RenameOld:
+        return "renameOld";
+    case DuplicateAnswer::RenameNew:
+        return "renameNew";
+    case DuplicateAnswer::Skip:
+        return "skip";
+    case DuplicateAnswer::AddBeside:
+        break;
+    }
+    return {};
+}
+
+DuplicateAnswer DuplicateAnswerFromWord(std::string_view word) {
+    for (DuplicateAnswer answer : {DuplicateAnswer::Replace, DuplicateAnswer::RenameOld,
+                                   DuplicateAnswer::RenameNew, DuplicateAnswer::Skip}) {
+        if (word == DuplicateAnswerWord(answer)) {
+            return answer;
         }
     }
-    return number;
+    // Deliberate: a word we do not know adds the file beside the old one.
+    return DuplicateAnswer::AddBeside;
+}
+
+bool IsTextureDictionary(std::string_view fileName) {
+    return fileName.size() >= 4 && ToLowerCp1252(fileName.substr(fileName.size() - 4)) == ".txd";
 }
 
 // Finds rows by name ignoring case without comparing every row with every
 // file: a hash of lower-cased names while rows keep index order (new rows
 // go to the end, so positions stay valid), a binary search while the table is
 // kept in name order (names equal ignoring case then stand together).
-class EntryCommands::NameIndex {
+class AddBatch::NameIndex {
 public:
     explicit NameIndex(const EntryTable& table) : table_(table) {
         if (hashed()) {
@@ -102,84 +117,61 @@ private:
     std::unordered_map<std::string, std::vector<std::size_t>> rows_;
 };
 
-void EntryCommands::ReportAddFailure(const std::string& description, const std::string& name) {
-    editor_.desktop().ShowMessage(editor_.text("ohCrap1") + " " + description + "\r\n" +
-                                      editor_.text("ohCrap2") + "\r\n" + Cp1252ToUtf8(name),
-                                  "Error", MessageIcon::Exclamation);
-}
+AddBatch::AddBatch(Archive& archive, bool scan, DecideDuplicate decide)
+    : archive_(archive), scan_(scan), decide_(std::move(decide)),
+      index_(std::make_unique<NameIndex>(archive.table())) {}
 
-EntryCommands::AddResult EntryCommands::AddFile(const std::string& path, std::string& name) {
-    NameIndex index(editor_.table());
-    return AddFileIndexed(path, name, index);
-}
+AddBatch::~AddBatch() = default;
 
-EntryCommands::AddResult EntryCommands::AddFileIndexed(const std::string& path, std::string& name,
-                                                       NameIndex& index,
-                                                       std::optional<std::uint64_t>* appendAt) {
-    EntryTable& table = editor_.table();
-    Settings& settings = editor_.settings();
-    Desktop& desktop = editor_.desktop();
-
-    const bool scan =
-        name != MarkerName && BooleanWord(settings.ReadSetting("addingScan")).value_or(false);
+AddOutcome AddBatch::Add(const std::string& path, std::string& name) {
+    EntryTable& table = archive_.table();
+    const bool scan = scan_ && name != MarkerName && decide_;
     for (std::size_t from = 0; scan;) {
-        const auto hit = index.next(name, from);
+        const auto hit = index_->next(name, from);
         if (!hit) {
             break;
         }
         const std::size_t row = *hit;
         from = row + 1;
-        if (NumberSetting(settings.ReadSetting("scanPrompt")) == 0) {
-            dialogs_.AddingDup(Cp1252ToUtf8(name));
+        const std::string oldName = table[row].name;
+        const DuplicateDecision decision = decide_(name, row);
+        if (decision.answer == DuplicateAnswer::Skip) {
+            AddOutcome outcome;
+            outcome.result = AddResult::Skipped;
+            return outcome;
         }
-        const std::string action = settings.ReadSetting("addingOpt");
-        if (action == "skip") {
-            return AddResult::Skipped;
+        if (decision.answer == DuplicateAnswer::Replace) {
+            appendAt_.reset(); // replacing may move data to the end
+            ReplaceResult replaced = ReplaceEntry(archive_, row, path);
+            AddOutcome outcome;
+            outcome.row = row;
+            if (replaced.status.ok()) {
+                outcome.result = AddResult::Replaced;
+                return outcome;
+            }
+            outcome.result = AddResult::Failed;
+            outcome.status = std::move(replaced.status);
+            outcome.directoryNotWritten = replaced.directoryNotWritten;
+            return outcome;
         }
-        if (action == "replace") {
-            if (appendAt != nullptr) {
-                appendAt->reset(); // replacing may move data to the end
+        if (decision.answer == DuplicateAnswer::RenameOld) {
+            index_->renamed(row, oldName);
+        } else if (decision.answer == DuplicateAnswer::RenameNew) {
+            if (!decision.problem.ok()) {
+                return Failure(decision.problem.error());
             }
-            FsError error = ReplaceEntry(path, row);
-            if (error.empty()) {
-                return AddResult::Replaced;
-            }
-            ReportAddFailure(error, name);
-            return AddResult::Failed;
-        }
-        if (action == "renameOld") {
-            const std::string oldName = table[row].name;
-            RenameRequest request;
-            request.row = row;
-            request.currentName = Cp1252ToUtf8(oldName);
-            request.modal = true;
-            request.doRename = [this, row](const std::string& typed) {
-                return DoRename(row, typed);
-            };
-            dialogs_.RenameAItem(request);
-            index.renamed(row, oldName);
-        } else if (action == "renameNew") {
-            const auto typed =
-                desktop.InputBox(editor_.text("reTrouble1") + " " + Cp1252ToUtf8(name),
-                                 editor_.text("reTrouble2"), "");
-            const auto converted = Utf8ToCp1252(typed.value_or(""));
-            if (!converted) {
-                ReportAddFailure("the new name holds characters an archive cannot store", name);
-                return AddResult::Failed;
-            }
-            name = *converted;
+            name = decision.newName;
         }
     }
 
     if (!FileExists(path)) {
-        ReportAddFailure(path + " is not a file that can be read", name);
-        editor_.WriteDirectory();
-        return AddResult::Failed;
+        AddOutcome outcome = Failure(path + " is not a file that can be read");
+        outcome.dataFailed = true;
+        return outcome;
     }
     const std::uint64_t size = FileLength(path).value_or(0);
     const std::uint64_t sectors = SectorsForFile(size);
-    const std::uint64_t offset =
-        appendAt != nullptr && appendAt->has_value() ? **appendAt : table.appendOffset();
+    const std::uint64_t offset = appendAt_ ? *appendAt_ : table.appendOffset();
     FsError error;
     if (offset / SectorSize > std::numeric_limits<std::uint32_t>::max() ||
         sectors > std::numeric_limits<std::uint32_t>::max()) {
@@ -191,7 +183,7 @@ EntryCommands::AddResult EntryCommands::AddFileIndexed(const std::string& path, 
         error = source.open(path, File::Mode::Read);
     }
     if (error.empty()) {
-        error = data.open(editor_.dataPath(), File::Mode::ReadWrite);
+        error = data.open(archive_.dataPath(), File::Mode::ReadWrite);
     }
     std::uint64_t oldLength = 0;
     if (error.empty()) {
@@ -211,115 +203,38 @@ EntryCommands::AddResult EntryCommands::AddFileIndexed(const std::string& path, 
         error = data.close();
     }
     if (!error.empty()) {
-        ReportAddFailure(error, name);
-        editor_.WriteDirectory();
-        return AddResult::Failed;
+        AddOutcome outcome = Failure(error);
+        outcome.dataFailed = true;
+        return outcome;
     }
 
-    const std::size_t row = table.append(Entry{static_cast<std::uint32_t>(offset / SectorSize),
-                                               static_cast<std::uint32_t>(sectors), name, false});
-    index.appended(row);
-    if (appendAt != nullptr) {
-        // The new row lies behind every other, so the next one goes right
-        // after it; the batch finds the highest offset once at its end.
-        *appendAt = offset + sectors * SectorSize;
-    } else {
-        editor_.FindHighestOffset();
-    }
-    desktop.SetStats(editor_.text("stats1") + " " + std::to_string(table.size()));
-    return AddResult::Added;
+    AddOutcome outcome;
+    outcome.row = table.append(Entry{static_cast<std::uint32_t>(offset / SectorSize),
+                                     static_cast<std::uint32_t>(sectors), name, false});
+    index_->appended(outcome.row);
+    // The new row lies behind every other, so the next one goes right after
+    // it; the highest offset is found once at the end.
+    appendAt_ = offset + sectors * SectorSize;
+    return outcome;
 }
 
-std::size_t EntryCommands::AddFileBatch(const std::vector<std::string>& paths, bool fromDialog) {
-    Desktop& desktop = editor_.desktop();
-    NameIndex index(editor_.table());
-    std::optional<std::uint64_t> appendAt;
-    std::size_t failed = 0;
-    const auto addOne = [&](const std::string& path) {
-        const auto converted = Utf8ToCp1252(fs::path(path).filename().string());
-        if (!converted) {
-            ReportAddFailure("its name holds characters an archive cannot store",
-                             fs::path(path).filename().string());
-            ++failed;
-            return;
-        }
-        std::string name = *converted;
-        if (AddFileIndexed(path, name, index, &appendAt) == AddResult::Failed) {
-            ++failed;
-        }
-    };
-
-    if (fromDialog && paths.size() == 1) {
-        addOne(paths.front());
-        desktop.SetStatus(editor_.text("adding5"));
-    } else {
-        const std::string of = " " + editor_.text("adding2") + " ";
-        std::vector<std::string> textures;
-        for (std::size_t i = 0; i < paths.size(); ++i) {
-            desktop.SetStatus(editor_.text("adding1") + " " + std::to_string(i + 1) + of +
-                              std::to_string(paths.size()));
-            if (IsTextureDictionary(fs::path(paths[i]).filename().string())) {
-                textures.push_back(paths[i]);
-            } else {
-                addOne(paths[i]);
-            }
-        }
-        for (std::size_t j = 0; j < textures.size(); ++j) {
-            if (fromDialog) {
-                desktop.SetStatus(editor_.text("adding4") + " " + std::to_string(j + 1) + of +
-                                  std::to_string(textures.size()));
-            }
-            addOne(textures[j]);
-        }
-        desktop.SetStatus(std::to_string(paths.size()) + " " + editor_.text("adding3"));
-    }
-    if (!editor_.WriteDirectory()) {
+Status AddBatch::Finish() {
+    Status written = archive_.WriteDirectory();
+    if (!written.ok()) {
         // The directory file on disk still lists what it listed before; the
         // table follows it, and the appended data is unused space.
-        editor_.archive().FollowDirectoryOnDisk();
-        failed = std::max<std::size_t>(failed, 1);
+        archive_.FollowDirectoryOnDisk();
     }
-    editor_.FindHighestOffset();
-    editor_.AssignTypeIcons();
-    return failed;
+    archive_.FindHighestOffset();
+    return written;
 }
 
-std::vector<std::string> EntryCommands::AddDialog() {
-    const std::string lastAdd = editor_.settings().ReadSetting("lastAdd");
-    FileDialogRequest request;
-    request.title = editor_.text("adding6");
-    request.filter = editor_.text("cdFiles2");
-    request.startFolder = lastAdd == NoPath ? std::string() : lastAdd;
-    request.multiple = true;
-    const FileDialogAnswer answer = editor_.desktop().OpenFileDialog(request);
-    if (answer.outcome == FileDialogAnswer::Outcome::Failed) {
-        editor_.desktop().SetStatus(editor_.text("adding7"));
-        return {};
-    }
-    if (!answer.chosen()) {
-        return {};
-    }
-    return answer.paths;
-}
-
-void EntryCommands::AddFilesAskingPaths() {
-    const std::vector<std::string> paths = AddDialog();
-    if (paths.empty() || (paths.size() == 1 && paths.front().empty())) {
-        return;
-    }
-    // One file remembers its folder with the separator, several the folder
-    // itself, as the dialog hands them over.
-    const std::string folder = paths.size() == 1 ? FolderWithSeparator(paths.front())
-                                                 : fs::path(paths.front()).parent_path().string();
-    editor_.settings().WriteSetting(folder, "lastAdd");
-    AddFileBatch(paths, true);
-}
-
-void EntryCommands::ToggleAddingScan() {
-    MenuState& menu = editor_.menu();
-    const bool scan = !menu.isChecked("AddingScan");
-    menu.setChecked("AddingScan", scan);
-    editor_.settings().WriteSetting(scan ? "True" : "False", "addingScan");
+AddOutcome AddFile(Archive& archive, const std::string& path, std::string& name, bool scan,
+                   const DecideDuplicate& decide) {
+    AddBatch batch(archive, scan, decide);
+    AddOutcome outcome = batch.Add(path, name);
+    archive.FindHighestOffset();
+    return outcome;
 }
 
 } // namespace korvel

@@ -1,104 +1,48 @@
 // Deleting rows and moving rows to the end. Both change only the directory
 // file; the data stays in the data file until a rebuild.
-#include "archive/EntryCommands.h"
+#include "archive/EntryOperations.h"
 
 namespace korvel {
+namespace {
 
-void EntryCommands::DeleteSelectedAsking() {
-    const std::size_t n = editor_.table().selectedCount();
-    if (n == 0) {
-        return;
-    }
-    if (BooleanWord(editor_.settings().ReadSetting("deleteProm")).value_or(false)) {
-        const std::string question =
-            editor_.text("del1") + " " + std::to_string(n) + " " + editor_.text("del2");
-        if (!editor_.desktop().AskYesNo(question, editor_.text("del3"))) {
-            return;
-        }
-    }
-    DeleteSelectedEntries();
-}
-
-bool EntryCommands::DeleteSelectedEntries() {
-    return DeleteSelected(editor_.table().rows());
-}
-
-bool EntryCommands::DeleteSelected(const std::vector<Entry>& restoreOnFailure) {
-    EntryTable& table = editor_.table();
-    Desktop& desktop = editor_.desktop();
-    if (table.empty()) {
-        return false;
-    }
-    const std::size_t count = table.selectedCount();
-    // The progress bar is worth showing only for larger deletions.
-    const bool showProgress = count > 10;
-    if (showProgress) {
-        desktop.ShowProgress(static_cast<int>(count));
-    }
+// Removes the rows and writes the directory file; on failure the table is
+// `restoreOnFailure` again, which is what the old directory file lists.
+Status RemoveRowsAndWrite(Archive& archive, const std::vector<std::size_t>& rows,
+                          const std::vector<Entry>& restoreOnFailure) {
+    EntryTable& table = archive.table();
     std::vector<bool> doomed(table.size(), false);
-    std::size_t deleted = 0;
-    for (std::size_t row = 0; row < table.size(); ++row) {
-        if (!table[row].selected) {
-            continue;
-        }
-        doomed[row] = true;
-        ++deleted;
-        desktop.SetStatus("Deleted " + std::to_string(deleted));
-        if (showProgress) {
-            desktop.SetProgress(static_cast<int>(deleted));
+    for (std::size_t row : rows) {
+        if (row < doomed.size()) {
+            doomed[row] = true;
         }
     }
     // One removal for all rows: removing them one by one is quadratic.
     table.removeWhere(doomed);
-    desktop.HideProgress();
-    if (!editor_.WriteDirectory()) {
-        // The old directory file is still in place; so are its rows.
+    Status written = archive.WriteDirectory();
+    if (!written.ok()) {
         table.assign(restoreOnFailure);
-        editor_.FindHighestOffset();
-        return false;
     }
-    editor_.MarkArchiveChanged();
-    desktop.SetStatus(editor_.text("del4"));
-    desktop.SetStats(editor_.text("stats1") + " " + std::to_string(table.size()));
-    editor_.FindHighestOffset();
-    return true;
+    archive.FindHighestOffset();
+    return written;
 }
 
-void EntryCommands::MoveSelectedToEnd() {
-    EntryTable& table = editor_.table();
-    Desktop& desktop = editor_.desktop();
-    if (table.selectedCount() == 0) {
-        desktop.SetStatus(editor_.text("noneSel"));
-        return;
-    }
+} // namespace
+
+Status DeleteRows(Archive& archive, const std::vector<std::size_t>& rows) {
+    return RemoveRowsAndWrite(archive, rows, archive.table().rows());
+}
+
+Status MoveRowsToEnd(Archive& archive, const std::vector<std::size_t>& rows) {
+    EntryTable& table = archive.table();
     const std::vector<Entry> before = table.rows();
-    std::size_t moved = 0;
-    std::size_t lastMoved = 0; // 1-based position of the last row moved
-    for (std::size_t i = 0; i < before.size(); ++i) {
-        if (!before[i].selected) {
-            continue;
+    for (std::size_t row : rows) {
+        if (row < before.size()) {
+            Entry copy = before[row];
+            copy.selected = false;
+            table.append(std::move(copy));
         }
-        lastMoved = i + 1;
-        ++moved;
-        if (moved == 1 && i + 1 == before.size()) {
-            // Only the last row is selected: it is at the end already.
-            desktop.ShowMessage(editor_.text("move1") + "\r\nDe dum de de, de diddle dum.",
-                                editor_.text("move2"), MessageIcon::Information);
-            table.setSelected(table.size() - 1, true);
-            return;
-        }
-        Entry copy = before[i];
-        copy.selected = false;
-        table.append(std::move(copy));
     }
-    if (!DeleteSelected(before)) {
-        return;
-    }
-    editor_.AssignTypeIcons();
-    if (lastMoved >= 1 && lastMoved <= table.size()) {
-        table.setSelected(lastMoved - 1, true);
-    }
-    desktop.SetStatus(std::to_string(moved) + " " + editor_.text("move3"));
+    return RemoveRowsAndWrite(archive, rows, before);
 }
 
 } // namespace korvel

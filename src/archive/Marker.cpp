@@ -1,5 +1,6 @@
 #include "archive/Marker.h"
 
+#include "platform/FileSystem.h"
 #include "platform/Folders.h"
 #include "platform/TextFile.h"
 
@@ -12,39 +13,44 @@ fs::path MarkerFilePath() {
     return EditorFolder() / "icons" / "marker.gta";
 }
 
-FsError WriteMarkerFile(const Settings& settings) {
+Status WriteMarkerFile(const std::string& markText) {
     const fs::path path = MarkerFilePath();
     std::error_code ec;
     fs::create_directories(path.parent_path(), ec);
     if (ec) {
-        return "cannot create " + path.parent_path().string() + ": " + ec.message();
+        return Status::Failed("cannot create " + path.parent_path().string() + ": " + ec.message());
     }
     // The marker's data is text for people, one byte per character like the
     // names around it.
-    return WriteFileAtomically(path, ToAnsi(settings.LookupText("markText")) + "\r\n");
+    const FsError error = WriteFileAtomically(path, ToAnsi(markText) + "\r\n");
+    return error.empty() ? Status::Ok() : Status::Failed(error);
 }
 
-bool InsertMarker(EntryCommands& commands, Editor& editor) {
-    if (!editor.isOpen()) {
-        return false;
+MarkerResult InsertMarker(Archive& archive, const std::string& markText) {
+    MarkerResult result;
+    if (!archive.isOpen()) {
+        result.status = Status::Failed("no archive is open");
+        result.failed = MarkerResult::Failed::MarkerFile;
+        return result;
     }
-    // Written again each time, so the marker carries the current language.
-    if (FsError error = WriteMarkerFile(editor.settings()); !error.empty()) {
-        editor.desktop().ShowMessage(editor.text("ohCrap1") + " " + error, "Error",
-                                     MessageIcon::Exclamation);
-        return false;
+    if (result.status = WriteMarkerFile(markText); !result.status.ok()) {
+        result.failed = MarkerResult::Failed::MarkerFile;
+        return result;
     }
     std::string name(MarkerName);
-    // AddFile tells the person itself when the data cannot be appended, and
-    // leaves the directory as the rows say.
-    if (commands.AddFile(MarkerFilePath().string(), name) != EntryCommands::AddResult::Added) {
-        return false;
+    // The marker never meets the duplicate scan.
+    AddOutcome added = AddFile(archive, MarkerFilePath().string(), name, false, {});
+    if (added.result != AddResult::Added) {
+        result.status = std::move(added.status);
+        result.failed = MarkerResult::Failed::Data;
+        return result;
     }
-    editor.desktop().SetStatus(editor.text("markerIn"));
-    const bool written = editor.WriteDirectory();
-    editor.FindHighestOffset();
-    editor.AssignTypeIcons();
-    return written;
+    result.status = archive.WriteDirectory();
+    archive.FindHighestOffset();
+    if (!result.status.ok()) {
+        result.failed = MarkerResult::Failed::Directory;
+    }
+    return result;
 }
 
 } // namespace korvel

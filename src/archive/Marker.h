@@ -2,7 +2,7 @@
 // archive under the marker name (24 hyphens).
 #pragma once
 
-#include "archive/EntryCommands.h"
+#include "archive/EntryOperations.h"
 
 #include <filesystem>
 #include <string>
@@ -11,12 +11,16 @@ namespace korvel {
 
 std::filesystem::path MarkerFilePath(); // icons/marker.gta in the editor's folder
 
-// Writes text(`markText`) and CR LF to the marker file, creating the icons
-// folder when needed. Empty on success, else what failed.
-FsError WriteMarkerFile(const Settings& settings);
+// Writes `markText` (UTF-8, stored one byte per character) and CR LF to the
+// marker file, creating the icons folder when needed.
+Status WriteMarkerFile(const std::string& markText);
 
-// EditInsertMarker: appends one marker entry to the open archive. Returns
-// true when it was added and the directory written.
-bool InsertMarker(EntryCommands& commands, Editor& editor);
+struct MarkerResult {
+    Status status = Status::Ok();
+    enum class Failed { Nothing, MarkerFile, Data, Directory } failed = Failed::Nothing;
+};
+// Writes the marker file anew (so the marker carries the current language),
+// appends it as one entry and writes the directory file.
+MarkerResult InsertMarker(Archive& archive, const std::string& markText);
 
 } // namespace korvel

@@ -1,5 +1,10 @@
 #include "archive/QuickReplace.h"
 
+#include "platform/Cp1252.h"
+#include "platform/FileSystem.h"
+
+#include <memory>
+
 #include <system_error>
 #include <unordered_map>
 
@@ -44,52 +49,15 @@ private:
 
 } // namespace
 
-QuickReplace::QuickReplace(Editor& editor, EntryCommands& commands, QuickReplaceDialogs& dialogs)
-    : editor_(editor), commands_(commands), dialogs_(dialogs) {}
-
-std::optional<std::string> QuickReplace::PickFolder() {
-    auto folder = editor_.desktop().ChooseFolderDialog(editor_.text("repFrom"));
-    if (folder && folder->empty()) {
-        return std::nullopt;
-    }
-    return folder;
-}
-
-void QuickReplace::QuickReplaceSelected() {
-    Desktop& desktop = editor_.desktop();
-    const std::size_t count = editor_.table().selectedCount();
-    if (count == 0) {
-        desktop.SetStatus(editor_.text("noneSel"));
-        return;
-    }
-    if (count == 1) {
-        desktop.SetStatus(editor_.text("oneSel"));
-        commands_.ReplaceSelectedAskingFiles();
-        return;
-    }
-    const std::string lastQR = editor_.settings().ReadSetting("lastQR");
-    std::optional<std::string> folder;
-    if (lastQR != NoPath &&
-        desktop.AskYesNo(editor_.text("useLastQR") + "\r\n" + lastQR, editor_.text("qrPickPath"))) {
-        folder = lastQR;
-    } else {
-        folder = PickFolder();
-    }
-    if (!folder) {
-        desktop.SetStatus(editor_.text("cancelQR"));
-        return;
-    }
-    ReplaceFromFolder(*folder);
-}
-
-QuickReplaceCounts QuickReplace::ReplaceFromFolder(std::string folder) {
-    EntryTable& table = editor_.table();
-    Settings& settings = editor_.settings();
+QuickReplaceCounts ReplaceFromFolder(Archive& archive, const std::vector<std::size_t>& rows,
+                                     std::string folder, const AskAboutMissingFile& ask,
+                                     const std::function<void(std::size_t row)>& replaced) {
+    EntryTable& table = archive.table();
     QuickReplaceCounts counts;
     auto files = std::make_unique<FolderFiles>(folder);
 
-    for (std::size_t row = 0; row < table.size() && !counts.failed; ++row) {
-        if (!table[row].selected) {
+    for (std::size_t row : rows) {
+        if (row >= table.size()) {
             continue;
         }
         const std::string name = table[row].name;
@@ -99,46 +67,37 @@ QuickReplaceCounts QuickReplace::ReplaceFromFolder(std::string folder) {
         }
         for (;;) {
             if (const auto path = files->find(name)) {
-                if (FsError error = commands_.ReplaceEntry(path->string(), row); !error.empty()) {
+                ReplaceResult result = ReplaceEntry(archive, row, path->string());
+                if (!result.status.ok()) {
                     // The rows replaced so far are complete; a failure here is
                     // most likely the data file itself, so going on would only
                     // repeat it for every row.
-                    editor_.desktop().ShowMessage(editor_.text("ohCrap1") + " " + error + "\r\n" +
-                                                      Cp1252ToUtf8(name),
-                                                  "Error", MessageIcon::Exclamation);
-                    counts.failed = true;
-                } else {
-                    ++counts.replaced;
+                    counts.status = std::move(result.status);
+                    counts.failedName = name;
+                    counts.directoryNotWritten = result.directoryNotWritten;
+                    counts.folder = folder;
+                    return counts;
+                }
+                ++counts.replaced;
+                if (replaced) {
+                    replaced(row);
                 }
                 break;
             }
-            dialogs_.QrMissing(Cp1252ToUtf8(name), folder);
-            const std::string choice = settings.ReadSetting("qrSetting");
-            if (choice == "1") {
+            const MissingFileAnswer answer = ask(name, row, folder);
+            if (answer.choice == MissingFileAnswer::Choice::Skip) {
                 ++counts.skipped;
-            } else if (choice == "2") {
-                // Counted whatever the person does in the file dialog.
-                commands_.ReplaceEntryWithDialog(row);
+            } else if (answer.choice == MissingFileAnswer::Choice::ReplacedElse) {
                 ++counts.replaced;
-            } else if (choice == "3") {
-                // A cancelled picker keeps the folder and skips this entry,
-                // rather than looking for files in no folder at all.
-                if (auto picked = PickFolder()) {
-                    folder = *picked;
-                    files = std::make_unique<FolderFiles>(folder);
-                    continue;
-                }
-                ++counts.skipped;
+            } else if (answer.choice == MissingFileAnswer::Choice::LookElsewhere) {
+                folder = answer.folder;
+                files = std::make_unique<FolderFiles>(folder);
+                continue;
             }
             break;
         }
     }
-
-    settings.WriteSetting(folder, "lastQR");
-    table.clearSelection();
-    editor_.desktop().SetStatus(std::to_string(counts.replaced) + " " + editor_.text("filesRep") +
-                                ", " + std::to_string(counts.skipped) + " " +
-                                editor_.text("filesSkip"));
+    counts.folder = folder;
     return counts;
 }
 

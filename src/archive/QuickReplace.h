@@ -1,41 +1,44 @@
-// Quick replace (`CmdGroupReplace`): every selected entry takes the data of
-// the file of the same name in one folder. The folder is remembered in
-// `lastQR`; an entry without a file there goes to the `qrMissing` dialog,
-// whose stored choice (`qrSetting`) says what happens to it.
+// Quick replace: each of the given rows takes the data of the file of the
+// same name in one folder. A row without a file there is put to the caller,
+// who may skip it, replace it some other way, or name another folder.
 #pragma once
 
-#include "archive/EntryCommands.h"
-#include "window/QuickReplaceDialogs.h"
+#include "archive/EntryOperations.h"
 
 #include <cstddef>
+#include <functional>
 #include <string>
+#include <vector>
 
 namespace korvel {
+
+struct MissingFileAnswer {
+    enum class Choice {
+        Skip,          // counted as skipped
+        ReplacedElse,  // the caller dealt with the row itself; counted as replaced
+        LookElsewhere, // look again in `folder`
+        Nothing,       // counted as neither
+    } choice = Choice::Skip;
+    std::string folder;
+};
+using AskAboutMissingFile = std::function<MissingFileAnswer(
+    const std::string& rawName, std::size_t row, const std::string& folder)>;
 
 struct QuickReplaceCounts {
     std::size_t replaced = 0;
     std::size_t skipped = 0;
-    // A replacement failed (the person was told) and the run stopped there.
-    bool failed = false;
+    // The replacement that failed stopped the run: its status, its row's
+    // name, and whether it was the directory file that could not be written.
+    Status status = Status::Ok();
+    std::string failedName;
+    bool directoryNotWritten = false;
+    std::string folder; // the folder used last
 };
 
-class QuickReplace {
-public:
-    QuickReplace(Editor& editor, EntryCommands& commands, QuickReplaceDialogs& dialogs);
-
-    void QuickReplaceSelected();
-    // The run once a folder is chosen: replaces the selected rows from it,
-    // stores the last folder used in `lastQR`, clears the selection and shows
-    // the counts in the status bar.
-    QuickReplaceCounts ReplaceFromFolder(std::string folder);
-
-private:
-    // The folder picker; nothing when cancelled.
-    std::optional<std::string> PickFolder();
-
-    Editor& editor_;
-    EntryCommands& commands_;
-    QuickReplaceDialogs& dialogs_;
-};
+// Replaces `rows` (in the order given) from `folder`. Markers are skipped.
+// `replaced` hears of each row replaced from the folder.
+QuickReplaceCounts ReplaceFromFolder(Archive& archive, const std::vector<std::size_t>& rows,
+                                     std::string folder, const AskAboutMissingFile& ask,
+                                     const std::function<void(std::size_t row)>& replaced);
 
 } // namespace korvel

@@ -3,7 +3,8 @@
 // then says it is complete, the two renames follow, and the journal goes. An
 // interruption at any moment leaves the old archive or, once the journal
 // exists, one that the next open completes: never a mix, never neither.
-#include "archive/EntryCommands.h"
+#include "archive/EntryOperations.h"
+#include "archive/RebuildJournal.h"
 
 #include "platform/FileCopy.h"
 
@@ -114,97 +115,76 @@ void RecoverInterruptedRebuild(const fs::path& dataPath) {
     RemoveQuietly(files.newDir);
 }
 
-void EntryCommands::RebuildAsking() {
-    const std::string question = editor_.text("rebuild1") + "\r\n" + editor_.text("rebuild2");
-    if (editor_.desktop().AskYesNo(question, editor_.text("menuc9") + "?")) {
-        Rebuild();
-    }
+namespace {
+
+// Removes what a rebuild that stopped before its journal leaves behind.
+void RemoveNewPair(const RebuildFiles& files) {
+    RemoveQuietly(files.newData);
+    RemoveQuietly(files.newDir);
+    RemoveQuietly(PartFor(files.journal));
 }
 
-bool EntryCommands::Rebuild() {
-    if (!editor_.isOpen()) {
-        return false;
+// Step 1: the new data file, every row's sectors back to back in row order,
+// and the records that say where each now lies.
+Status WriteNewData(const EntryTable& table, File& in, const fs::path& newData,
+                    const RebuildProgress& progress, std::vector<DirRecord>& records) {
+    File out;
+    if (FsError error = out.open(newData, File::Mode::CreateTruncate); !error.empty()) {
+        return Status::Failed(error);
     }
-    Desktop& desktop = editor_.desktop();
-    const EntryTable& table = editor_.table();
-    const fs::path dataPath = editor_.dataPath();
-    const fs::path dirPath = editor_.dirPath();
-    const RebuildFiles files = RebuildFilesFor(dataPath, dirPath);
-    const auto fail = [&](const FsError& error) {
-        RemoveQuietly(files.newData);
-        RemoveQuietly(files.newDir);
-        RemoveQuietly(PartFor(files.journal));
-        desktop.ShowMessage(editor_.text("ohCrap1") + " " + error, "Error",
-                            MessageIcon::Exclamation);
-        return false;
-    };
-
-    // 1. The new data file: every row's sectors, back to back, in row order.
-    // The old data file stays open until its replacement is in place, so that
-    // freeing it happens when we close it, off the command's time.
-    std::vector<DirRecord> records;
+    std::uint64_t total = 0;
+    for (const Entry& entry : table.rows()) {
+        total += entry.byteCount();
+    }
+    out.reserve(total);
     records.reserve(table.size());
-    File in;
-    {
-        File out;
-        FsError error = in.open(dataPath, File::Mode::Read);
-        if (error.empty()) {
-            error = out.open(files.newData, File::Mode::CreateTruncate);
+    std::vector<CopySpan> spans;
+    spans.reserve(table.size());
+    std::uint64_t running = 0; // in sectors
+    for (const Entry& entry : table.rows()) {
+        if (running > std::numeric_limits<std::uint32_t>::max()) {
+            return Status::Failed(
+                "the rebuilt archive would be larger than an archive can address");
         }
-        if (!error.empty()) {
-            return fail(error);
-        }
-        std::uint64_t total = 0;
-        for (const Entry& entry : table.rows()) {
-            total += entry.byteCount();
-        }
-        out.reserve(total);
-        // Looked up once: every lookup reads the language file's identity.
-        const std::string copying = editor_.text("rebuild3") + " ";
-        const std::string of = " " + editor_.text("adding2") + " " + std::to_string(table.size());
-        std::vector<CopySpan> spans;
-        spans.reserve(table.size());
-        std::uint64_t running = 0; // in sectors
-        for (const Entry& entry : table.rows()) {
-            if (running > std::numeric_limits<std::uint32_t>::max()) {
-                return fail("the rebuilt archive would be larger than an archive can address");
-            }
-            spans.push_back({entry.byteOffset(), entry.byteCount()});
-            records.push_back({static_cast<std::uint32_t>(running), entry.sizeSectors, entry.name});
-            running += entry.sizeSectors;
-        }
-        error = CopySpansInOrder(in, out, 0, spans, [&](std::size_t i) {
-            desktop.SetStatus(copying + std::to_string(i + 1) + of);
-        });
-        if (!error.empty()) {
-            return fail(error);
-        }
-        if (error = Step("rebuild-data-written"); error.empty()) {
-            error = out.sync();
-        }
-        if (error.empty()) {
-            error = out.close();
-        }
-        if (!error.empty()) {
-            return fail(error);
-        }
+        spans.push_back({entry.byteOffset(), entry.byteCount()});
+        records.push_back({static_cast<std::uint32_t>(running), entry.sizeSectors, entry.name});
+        running += entry.sizeSectors;
     }
+    FsError error = CopySpansInOrder(in, out, 0, spans, [&](std::size_t i) {
+        if (progress.copying) {
+            progress.copying(i);
+        }
+    });
+    if (error.empty()) {
+        error = Step("rebuild-data-written");
+    }
+    if (error.empty()) {
+        error = out.sync();
+    }
+    if (error.empty()) {
+        error = out.close();
+    }
+    return error.empty() ? Status::Ok() : Status::Failed(error);
+}
 
-    // 2. The new directory file.
-    desktop.SetStatus(editor_.text("rebuild4"));
+// Step 2: the new directory file, flushed with its folder.
+Status WriteNewDirectory(const std::vector<DirRecord>& records, const RebuildFiles& files,
+                         const fs::path& folder) {
     FsError error = WriteSynced(files.newDir, EncodeDirectory(records));
     if (error.empty()) {
         error = Step("rebuild-dir-written");
     }
     if (error.empty()) {
-        error = SyncFolder(dataPath.parent_path());
+        error = SyncFolder(folder);
     }
-    // 3. The journal, written whole under another name and renamed, so it
-    // exists only once it says everything.
+    return error.empty() ? Status::Ok() : Status::Failed(error);
+}
+
+// Step 3: the journal, written whole under another name and renamed, so it
+// exists only once it says everything.
+Status WriteJournal(const RebuildFiles& files, const fs::path& dataPath, const fs::path& dirPath) {
     const fs::path part = PartFor(files.journal);
-    if (error.empty()) {
-        error = WriteSynced(part, JournalText(files, dataPath, dirPath));
-    }
+    FsError error = WriteSynced(part, JournalText(files, dataPath, dirPath));
     if (error.empty()) {
         error = Step("rebuild-journal-part");
     }
@@ -216,14 +196,15 @@ bool EntryCommands::Rebuild() {
     }
     if (!error.empty()) {
         RemoveQuietly(files.journal);
-        return fail(error);
+        return Status::Failed(error);
     }
+    return Status::Ok();
+}
 
-    // 4. The renames. From here on the journal finishes what we don't.
-    if (!OpenFilesCanBeReplaced) {
-        (void)in.close();
-    }
-    error = Step("rebuild-journal-written");
+// Step 4: the renames. From here on the journal finishes what we don't.
+Status RenameNewPairIntoPlace(const RebuildFiles& files, const fs::path& dataPath,
+                              const fs::path& dirPath) {
+    FsError error = Step("rebuild-journal-written");
     if (error.empty()) {
         error = RenameFile(files.newData, dataPath);
     }
@@ -239,21 +220,51 @@ bool EntryCommands::Rebuild() {
     if (error.empty()) {
         error = FinishRenames(files.journal);
     }
-    CloseInBackground(std::move(in));
-    if (!error.empty()) {
-        desktop.ShowMessage(editor_.text("ohCrap1") + " " + error, "Error",
-                            MessageIcon::Exclamation);
+    return error.empty() ? Status::Ok() : Status::Failed(error);
+}
+
+} // namespace
+
+RebuildResult RebuildArchive(const Archive& archive, const RebuildProgress& progress) {
+    RebuildResult result;
+    if (!archive.isOpen()) {
+        result.status = Status::Failed("no archive is open");
+        return result;
+    }
+    const fs::path dataPath = archive.dataPath();
+    const fs::path dirPath = archive.dirPath();
+    const RebuildFiles files = RebuildFilesFor(dataPath, dirPath);
+
+    // The old data file stays open until its replacement is in place, so that
+    // freeing it happens when we close it, off the command's time.
+    File in;
+    std::vector<DirRecord> records;
+    if (FsError error = in.open(dataPath, File::Mode::Read); !error.empty()) {
+        result.status = Status::Failed(error);
+    } else {
+        result.status = WriteNewData(archive.table(), in, files.newData, progress, records);
+    }
+    if (result.status.ok()) {
+        if (progress.writingDirectory) {
+            progress.writingDirectory();
+        }
+        result.status = WriteNewDirectory(records, files, dataPath.parent_path());
+    }
+    if (result.status.ok()) {
+        result.status = WriteJournal(files, dataPath, dirPath);
+    }
+    if (!result.status.ok()) {
+        RemoveNewPair(files);
+        return result;
     }
 
-    // Opening completes a journalled rebuild that stopped above.
-    const bool open = editor_.OpenArchive(dataPath.string());
-    editor_.FindHighestOffset();
-    if (!error.empty() || !open) {
-        return false;
+    if (!OpenFilesCanBeReplaced) {
+        (void)in.close();
     }
-    editor_.MarkArchiveRebuilt();
-    desktop.SetStatus(editor_.text("rebuild5"));
-    return true;
+    result.reopen = true;
+    result.status = RenameNewPairIntoPlace(files, dataPath, dirPath);
+    CloseInBackground(std::move(in));
+    return result;
 }
 
 } // namespace korvel

@@ -3,9 +3,12 @@
 // byte for byte alike. Names match ignoring letter case, every matching row
 // is acted on, and a name that matches nothing stops the verb before any
 // change.
-#include "archive/EntryCommands.h"
+#include "archive/EntryOperations.h"
 #include "cli/Verbs.h"
+#include "platform/Cp1252.h"
+#include "platform/FileSystem.h"
 
+#include <algorithm>
 #include <iostream>
 #include <system_error>
 
@@ -14,32 +17,26 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// No one is at the desk: the duplicate dialog is never shown (the verb sets
-// scanPrompt) and a rename dialog is closed at once.
-class NoEntryDialogs : public EntryDialogs {
-public:
-    void AddingDup(const std::string&) override {}
-    void RenameAItem(const RenameRequest&) override {}
-};
-
-// An open archive with the entry commands over it.
+// An open archive and the interface texts its error lines use.
 struct Run {
     Session session;
-    NoEntryDialogs dialogs;
-    EntryCommands commands{session.editor(), dialogs};
+    bool failed = false;
 
-    Editor& editor() { return session.editor(); }
-    Settings& settings() { return session.editor().settings(); }
-    EntryTable& table() { return session.editor().table(); }
+    Archive& archive() { return session.archive(); }
+    EntryTable& table() { return session.archive().table(); }
+    std::string text(const char* key) { return session.settings().LookupText(key); }
 
-    // Prints what the engine told the person, one line each, and gives the
-    // exit status.
-    int finish(bool ok) {
-        for (const std::string& message : session.desktop().messages) {
-            std::cerr << "korvel-cli: " << message << '\n';
-        }
-        return ok ? 0 : ExitFailure;
+    // One error line, as the window would have shown it.
+    void error(const std::string& message) {
+        std::cerr << "korvel-cli: " << OneLine(message) << '\n';
+        failed = true;
     }
+    void failure(const Status& status) { error(text("ohCrap1") + " " + status.error()); }
+    void addFailure(const std::string& description, const std::string& rawName) {
+        error(text("ohCrap1") + " " + description + "\r\n" + text("ohCrap2") + "\r\n" +
+              Cp1252ToUtf8(rawName));
+    }
+    int finish() { return failed ? ExitFailure : 0; }
 };
 
 // Rows whose names equal one of `names` ignoring case. Every name must match
@@ -70,24 +67,23 @@ MatchRows(const EntryTable& table, const std::vector<std::string>& names, std::s
     return rows;
 }
 
-// Selects the named rows (all rows when `names` is empty and `allWhenNone`).
-bool SelectNamed(Run& run, const std::vector<std::string>& names, bool allWhenNone) {
-    EntryTable& table = run.table();
-    table.clearSelection();
+// The named rows (all rows when `names` is empty and `allWhenNone`), or
+// nothing after printing the name that matches no row.
+std::optional<std::vector<std::size_t>> NamedRows(Run& run, const std::vector<std::string>& names,
+                                                  bool allWhenNone) {
     if (names.empty() && allWhenNone) {
-        table.selectAll();
-        return true;
+        std::vector<std::size_t> rows(run.table().size());
+        for (std::size_t row = 0; row < rows.size(); ++row) {
+            rows[row] = row;
+        }
+        return rows;
     }
     std::string problem;
-    const auto rows = MatchRows(table, names, problem);
+    auto rows = MatchRows(run.table(), names, problem);
     if (!rows) {
         Fail(problem);
-        return false;
     }
-    for (std::size_t row : *rows) {
-        table.setSelected(row, true);
-    }
-    return true;
+    return rows;
 }
 
 std::vector<std::string> From(const Arguments& args, std::size_t first) {
@@ -99,7 +95,8 @@ int Extract(const Arguments& args) {
     if (!run.session.open(args.operands[0])) {
         return ExitFailure;
     }
-    if (!SelectNamed(run, From(args, 2), true)) {
+    const auto rows = NamedRows(run, From(args, 2), true);
+    if (!rows) {
         return ExitFailure;
     }
     if (run.table().empty()) {
@@ -111,20 +108,28 @@ int Extract(const Arguments& args) {
     if (!fs::is_directory(dest)) {
         return Fail("cannot create the folder " + dest + (ec ? ": " + ec.message() : ""));
     }
-    run.settings().WriteSetting(dest, "lastExtract");
-    return run.finish(run.commands.ExtractSelectedToLastFolder() == 0);
+    for (std::size_t row : *rows) {
+        const ExtractResult result = ExtractEntryTo(run.archive(), row, dest);
+        if (!result.target) {
+            run.error(result.status.error());
+        } else if (!result.status.ok()) {
+            run.failure(Status::Failed(result.status.error() + "\r\n" + result.target->string()));
+        }
+    }
+    return run.finish();
 }
 
 int AddFiles(const Arguments& args) {
     Run run;
-    std::string answer = "replace";
+    DuplicateAnswer answer = DuplicateAnswer::Replace;
     if (args.has("--on-duplicate")) {
-        answer = args.options.at("--on-duplicate");
-        if (answer != "replace" && answer != "skip") {
-            return Fail("--on-duplicate takes \"replace\" or \"skip\", not \"" + answer + "\"");
+        const std::string& word = args.options.at("--on-duplicate");
+        answer = DuplicateAnswerFromWord(word);
+        if (answer != DuplicateAnswer::Replace && answer != DuplicateAnswer::Skip) {
+            return Fail("--on-duplicate takes \"replace\" or \"skip\", not \"" + word + "\"");
         }
     }
-    const std::vector<std::string> files = From(args, 1);
+    std::vector<std::string> files = From(args, 1);
     for (const std::string& file : files) {
         if (!FileExists(file)) {
             return Fail(file + " is not a file");
@@ -136,10 +141,39 @@ int AddFiles(const Arguments& args) {
     if (!run.session.open(args.operands[0])) {
         return ExitFailure;
     }
-    run.settings().WriteSetting(answer, "addingOpt");
-    run.settings().WriteSetting("1", "scanPrompt");
-    run.settings().WriteSetting(args.has("--no-scan") ? "False" : "True", "addingScan");
-    return run.finish(run.commands.AddFileBatch(files) == 0);
+    // Texture dictionaries go last, as in the window.
+    std::stable_partition(files.begin(), files.end(), [](const std::string& file) {
+        return !IsTextureDictionary(fs::path(file).filename().string());
+    });
+    AddBatch batch(run.archive(), !args.has("--no-scan"),
+                   [answer](const std::string&, std::size_t) {
+                       DuplicateDecision decision;
+                       decision.answer = answer;
+                       return decision;
+                   });
+    for (const std::string& file : files) {
+        std::string name = *Utf8ToCp1252(fs::path(file).filename().string());
+        const AddOutcome outcome = batch.Add(file, name);
+        if (outcome.result != AddResult::Failed) {
+            continue;
+        }
+        if (outcome.directoryNotWritten) {
+            run.failure(outcome.status);
+            run.addFailure(std::string(DirectoryNotWrittenText), name);
+        } else {
+            run.addFailure(outcome.status.error(), name);
+        }
+        if (outcome.dataFailed) {
+            // Deliberate: the rows as they stand are written after a failed copy.
+            if (const Status written = run.archive().WriteDirectory(); !written.ok()) {
+                run.failure(written);
+            }
+        }
+    }
+    if (const Status written = batch.Finish(); !written.ok()) {
+        run.failure(written);
+    }
+    return run.finish();
 }
 
 int ReplaceFile(const Arguments& args) {
@@ -157,12 +191,16 @@ int ReplaceFile(const Arguments& args) {
         return Fail(problem);
     }
     for (std::size_t row : *rows) {
-        if (FsError error = run.commands.ReplaceEntry(file, row); !error.empty()) {
-            run.finish(false);
-            return Fail(error);
+        const ReplaceResult result = ReplaceEntry(run.archive(), row, file);
+        if (result.directoryNotWritten) {
+            run.failure(result.status);
+            return Fail(std::string(DirectoryNotWrittenText));
+        }
+        if (!result.status.ok()) {
+            return Fail(result.status.error());
         }
     }
-    return run.finish(true);
+    return 0;
 }
 
 int RenameEntry(const Arguments& args) {
@@ -186,11 +224,12 @@ int RenameEntry(const Arguments& args) {
     if (!rows) {
         return Fail(problem);
     }
-    bool ok = true;
     for (std::size_t row : *rows) {
-        ok = run.commands.DoRename(row, typed) && ok;
+        if (const Status renamed = korvel::RenameEntry(run.archive(), row, *name); !renamed.ok()) {
+            run.failure(renamed);
+        }
     }
-    return run.finish(ok && run.session.desktop().messages.empty());
+    return run.finish();
 }
 
 int LowerCase(const Arguments& args) {
@@ -199,35 +238,58 @@ int LowerCase(const Arguments& args) {
         return Fail("give exactly one of --name, --extension and --all");
     }
     Run run;
-    if (!run.session.open(args.operands[0]) || !SelectNamed(run, From(args, 1), true)) {
+    if (!run.session.open(args.operands[0])) {
         return ExitFailure;
     }
-    if (args.has("--name")) {
-        run.commands.LowerCaseSelected(EntryCommands::NameCase::BeforeExtension);
-    } else if (args.has("--extension")) {
-        run.commands.LowerCaseSelected(EntryCommands::NameCase::Extension);
-    } else {
-        run.commands.LowerCaseSelected(EntryCommands::NameCase::Whole);
+    const auto rows = NamedRows(run, From(args, 1), true);
+    if (!rows) {
+        return ExitFailure;
     }
-    return run.finish(run.session.desktop().messages.empty());
+    const NameCase which = args.has("--name")        ? NameCase::BeforeExtension
+                           : args.has("--extension") ? NameCase::Extension
+                                                     : NameCase::Whole;
+    if (const LowerCaseResult result = LowerCaseNames(run.archive(), *rows, which);
+        !result.status.ok()) {
+        run.failure(result.status);
+    }
+    return run.finish();
 }
 
 int Delete(const Arguments& args) {
     Run run;
-    if (!run.session.open(args.operands[0]) || !SelectNamed(run, From(args, 1), false)) {
+    if (!run.session.open(args.operands[0])) {
         return ExitFailure;
     }
-    return run.finish(run.commands.DeleteSelectedEntries());
+    const auto rows = NamedRows(run, From(args, 1), false);
+    if (!rows) {
+        return ExitFailure;
+    }
+    if (const Status deleted = DeleteRows(run.archive(), *rows); !deleted.ok()) {
+        run.failure(deleted);
+    }
+    return run.finish();
 }
 
 int MoveToEnd(const Arguments& args) {
     Run run;
-    if (!run.session.open(args.operands[0]) || !SelectNamed(run, From(args, 1), false)) {
+    if (!run.session.open(args.operands[0])) {
         return ExitFailure;
     }
-    run.commands.MoveSelectedToEnd();
-    // Moving only the last row is a no-op the window explains; say so too.
-    return run.finish(true);
+    const auto rows = NamedRows(run, From(args, 1), false);
+    if (!rows) {
+        return ExitFailure;
+    }
+    if (rows->front() + 1 == run.table().size()) {
+        // Moving only the last row is a no-op the window explains; say so too.
+        std::cerr << "korvel-cli: "
+                  << OneLine(run.text("move1") + "\r\nDe dum de de, de diddle dum.") << '\n';
+        return 0;
+    }
+    if (const Status moved = MoveRowsToEnd(run.archive(), *rows); !moved.ok()) {
+        run.failure(moved);
+    }
+    // Deliberate: the move reports its failure but does not fail the verb.
+    return 0;
 }
 
 int RebuildArchive(const Arguments& args) {
@@ -235,7 +297,18 @@ int RebuildArchive(const Arguments& args) {
     if (!run.session.open(args.operands[0])) {
         return ExitFailure;
     }
-    return run.finish(run.commands.Rebuild());
+    const std::string dataPath = run.archive().dataPath();
+    const RebuildResult result = korvel::RebuildArchive(run.archive(), {});
+    if (!result.status.ok()) {
+        run.failure(result.status);
+    }
+    if (result.reopen && !run.session.editor().OpenArchive(dataPath)) {
+        for (const std::string& message : run.session.desktop().messages) {
+            run.error(message);
+        }
+        run.failed = true;
+    }
+    return run.finish();
 }
 
 } // namespace

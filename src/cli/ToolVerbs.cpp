@@ -3,6 +3,7 @@
 #include "archive/Marker.h"
 #include "archive/QuickReplace.h"
 #include "cli/Verbs.h"
+#include "platform/Cp1252.h"
 
 #include <cstdint>
 #include <iostream>
@@ -12,48 +13,27 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// No one answers dialogs here: a marker never meets the duplicate scan, and
-// an entry without a file is skipped (qrSetting "1" is set before the run).
-class NoDialogs : public EntryDialogs, public QuickReplaceDialogs {
-public:
-    void AddingDup(const std::string&) override {}
-    void RenameAItem(const RenameRequest&) override {}
-    void QrMissing(const std::string&, const std::string&) override {}
-};
-
-struct Run {
-    Session session;
-    NoDialogs dialogs;
-    EntryCommands commands{session.editor(), dialogs};
-
-    int finish(bool ok) {
-        for (const std::string& message : session.desktop().messages) {
-            std::cerr << "korvel-cli: " << OneLine(message) << '\n';
-        }
-        return ok ? 0 : ExitFailure;
-    }
-};
+void PrintError(const std::string& message) {
+    std::cerr << "korvel-cli: " << OneLine(message) << '\n';
+}
 
 int QuickReplaceVerb(const Arguments& args) {
     const std::string& folder = args.operands[1];
     if (!fs::is_directory(folder)) {
         return Fail(folder + " is not a folder");
     }
-    Run run;
-    if (!run.session.open(args.operands[0])) {
+    Session session;
+    if (!session.open(args.operands[0])) {
         return ExitFailure;
     }
-    EntryTable& table = run.session.editor().table();
-    table.clearSelection();
-    if (args.operands.size() == 2) {
-        table.selectAll();
-    }
+    const EntryTable& table = session.archive().table();
+    std::vector<bool> named(table.size(), args.operands.size() == 2);
     for (std::size_t i = 2; i < args.operands.size(); ++i) {
         const auto name = Utf8ToCp1252(args.operands[i]);
         bool any = false;
         for (std::size_t row = 0; name && row < table.size(); ++row) {
             if (EqualsIgnoreCase(table[row].name, *name)) {
-                table.setSelected(row, true);
+                named[row] = true;
                 any = true;
             }
         }
@@ -61,19 +41,54 @@ int QuickReplaceVerb(const Arguments& args) {
             return Fail("no entry is named \"" + args.operands[i] + "\"");
         }
     }
-    run.session.editor().settings().WriteSetting("1", "qrSetting");
-    QuickReplace quick(run.session.editor(), run.commands, run.dialogs);
-    const QuickReplaceCounts counts = quick.ReplaceFromFolder(folder);
+    std::vector<std::size_t> rows;
+    for (std::size_t row = 0; row < named.size(); ++row) {
+        if (named[row]) {
+            rows.push_back(row);
+        }
+    }
+    // No one is asked here: an entry without a file is skipped.
+    const auto skip = [](const std::string&, std::size_t, const std::string&) {
+        return MissingFileAnswer{};
+    };
+    const QuickReplaceCounts counts = ReplaceFromFolder(session.archive(), rows, folder, skip, {});
+    const std::string ohCrap = session.settings().LookupText("ohCrap1") + " ";
+    if (!counts.status.ok()) {
+        if (counts.directoryNotWritten) {
+            PrintError(ohCrap + counts.status.error());
+        }
+        const std::string error = counts.directoryNotWritten ? std::string(DirectoryNotWrittenText)
+                                                             : counts.status.error();
+        std::cout << "replaced " << counts.replaced << ", skipped " << counts.skipped << '\n';
+        PrintError(ohCrap + error + "\r\n" + Cp1252ToUtf8(counts.failedName));
+        return ExitFailure;
+    }
     std::cout << "replaced " << counts.replaced << ", skipped " << counts.skipped << '\n';
-    return run.finish(!counts.failed);
+    return 0;
 }
 
 int MarkerVerb(const Arguments& args) {
-    Run run;
-    if (!run.session.open(args.operands[0])) {
+    Session session;
+    if (!session.open(args.operands[0])) {
         return ExitFailure;
     }
-    return run.finish(InsertMarker(run.commands, run.session.editor()));
+    const Settings& settings = session.settings();
+    const MarkerResult result = InsertMarker(session.archive(), settings.LookupText("markText"));
+    if (result.status.ok()) {
+        return 0;
+    }
+    const std::string ohCrap = settings.LookupText("ohCrap1") + " ";
+    if (result.failed == MarkerResult::Failed::Data) {
+        PrintError(ohCrap + result.status.error() + "\r\n" + settings.LookupText("ohCrap2") +
+                   "\r\n" + Cp1252ToUtf8(std::string(MarkerName)));
+        // Deliberate: the rows as they stand are written after a failed copy.
+        if (const Status written = session.archive().WriteDirectory(); !written.ok()) {
+            PrintError(ohCrap + written.error());
+        }
+    } else {
+        PrintError(ohCrap + result.status.error());
+    }
+    return ExitFailure;
 }
 
 } // namespace

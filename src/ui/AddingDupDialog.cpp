@@ -1,7 +1,7 @@
 #include "ui/AddingDupDialog.h"
 
-#include "archive/EntryCommands.h"
 #include "settings/Settings.h"
+#include "window/EntryCommands.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -16,17 +16,17 @@ namespace {
 
 struct DupOption {
     const char* control;
-    const char* action; // the value of addingOpt
+    DuplicateAnswer action;
     const char* textKey;
     const char* builtIn;
 };
 
 // In the order Ok looks at them: the first one selected decides.
 constexpr std::array<DupOption, 4> Options = {{
-    {"Option0", "replace", "dup3", "Replace old file with new file"},
-    {"Option1", "renameOld", "dup4", "Rename the old file"},
-    {"Option2", "renameNew", "dup5", "Rename the new file"},
-    {"Option3", "skip", "dup6", "Dont add this file"},
+    {"Option0", DuplicateAnswer::Replace, "dup3", "Replace old file with new file"},
+    {"Option1", DuplicateAnswer::RenameOld, "dup4", "Rename the old file"},
+    {"Option2", DuplicateAnswer::RenameNew, "dup5", "Rename the new file"},
+    {"Option3", DuplicateAnswer::Skip, "dup6", "Dont add this file"},
 }};
 
 QLabel* NamedLabel(const char* name, const char* builtIn, QWidget* parent) {
@@ -96,7 +96,7 @@ void AddingDupDialog::load(const QString& conflictingName) {
     dontPrompt_->setText(text("dup8"));
     // With an unknown addingOpt no option is selected, and Ok then does
     // nothing until one is picked.
-    const std::string action = settings_.ReadSetting("addingOpt");
+    const DuplicateAnswer action = StoredDuplicateAnswer(settings_);
     group_->setExclusive(false);
     for (std::size_t i = 0; i < Options.size(); ++i) {
         options_[i]->setText(text(Options[i].textKey));
@@ -104,6 +104,8 @@ void AddingDupDialog::load(const QString& conflictingName) {
     }
     group_->setExclusive(true);
     dontPrompt_->setChecked(NumberSetting(settings_.ReadSetting("scanPrompt")) == 1);
+    asking_ = !conflictingName.isEmpty();
+    chosen_.reset();
     conflictNameLabel_->setText(conflictingName);
     // Opened as the settings window there is no conflicting file to show.
     conflictCaptionLabel_->setVisible(!conflictingName.isEmpty());
@@ -111,14 +113,25 @@ void AddingDupDialog::load(const QString& conflictingName) {
     adjustSize();
 }
 
+DuplicateDialogAnswer AddingDupDialog::answer() const {
+    return {chosen_, dontPrompt_->isChecked()};
+}
+
 void AddingDupDialog::dontPromptClicked(bool checked) {
-    settings_.WriteSetting(checked ? "1" : "0", "scanPrompt");
+    // As the settings window it remembers at once; asking, the adding
+    // command records the answer.
+    if (!asking_) {
+        RecordDuplicateAnswer(settings_, {std::nullopt, checked});
+    }
 }
 
 void AddingDupDialog::doThisClicked() {
     for (std::size_t i = 0; i < Options.size(); ++i) {
         if (options_[i]->isChecked()) {
-            settings_.WriteSetting(Options[i].action, "addingOpt");
+            chosen_ = Options[i].action;
+            if (!asking_) {
+                RecordDuplicateAnswer(settings_, answer());
+            }
             accept();
             return;
         }

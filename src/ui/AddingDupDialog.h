@@ -1,8 +1,10 @@
 // The duplicate dialog `addingDup`: what adding does with a file whose name
-// the archive already holds. Its choices go straight to the settings
-// (`addingOpt` on Ok, `scanPrompt` as soon as the check box is clicked), so
-// the same window also serves as the scan settings window.
+// the archive already holds. Asked about a duplicate it hands its answer
+// back; opened as the scan settings window it records its choices at once
+// (`addingOpt` on Ok, `scanPrompt` as soon as the check box is clicked).
 #pragma once
+
+#include "window/EntryDialogs.h"
 
 #include <QDialog>
 
@@ -29,12 +31,17 @@ public:
     // settings. With a name it asks about that duplicate; without one it is
     // the settings window and the conflict lines are hidden.
     void load(const QString& conflictingName = {});
+    // The answer once closed: the option taken with Ok (nothing when closed
+    // by its frame) and the check box.
+    DuplicateDialogAnswer answer() const;
 
 private:
     void dontPromptClicked(bool checked);
     void doThisClicked();
 
     Settings& settings_;
+    bool asking_ = false;
+    std::optional<DuplicateAnswer> chosen_;
     QLabel* questionLabel_;
     QLabel* choiceLabel_;
     QLabel* conflictCaptionLabel_;

@@ -4,8 +4,8 @@
 // call the engine, and the engine's menu state is mirrored into the actions.
 #pragma once
 
-#include "archive/EntryCommands.h"
-#include "archive/QuickReplace.h"
+#include "window/EntryCommands.h"
+#include "window/QuickReplaceCommand.h"
 #include "ui/QtDesktop.h"
 #include "ui/QtEntryDialogs.h"
 #include "ui/QuickReplaceDialog.h"

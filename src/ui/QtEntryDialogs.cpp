@@ -41,10 +41,11 @@ RenameDialog* QtEntryDialogs::renameDialog() {
     return rename_;
 }
 
-void QtEntryDialogs::AddingDup(const std::string& conflictingName) {
+DuplicateDialogAnswer QtEntryDialogs::AddingDup(const std::string& conflictingName) {
     AddingDupDialog* dialog = addingDupDialog();
     dialog->load(QString::fromStdString(conflictingName));
     ExecModal(dialog);
+    return dialog->answer();
 }
 
 void QtEntryDialogs::ShowScanSettings() {

@@ -23,7 +23,7 @@ class QtEntryDialogs : public EntryDialogs {
 public:
     QtEntryDialogs(Settings& settings, QWidget* owner);
 
-    void AddingDup(const std::string& conflictingName) override;
+    DuplicateDialogAnswer AddingDup(const std::string& conflictingName) override;
     void RenameAItem(const RenameRequest& request) override;
     // The `ScanSettings` menu item: `addingDup` as a settings window.
     void ShowScanSettings();

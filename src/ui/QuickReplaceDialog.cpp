@@ -1,5 +1,7 @@
 #include "ui/QuickReplaceDialog.h"
 
+#include "window/QuickReplaceCommand.h"
+
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -56,9 +58,12 @@ QuickReplaceDialog::QuickReplaceDialog(Settings& settings, const std::string& en
     okButton->setDefault(true);
     grid->addWidget(okButton, 6, 1, Qt::AlignRight);
 
-    const std::string stored = settings_.ReadSetting("qrSetting");
-    (stored == "2" ? separately_ : stored == "3" ? newLocation_ : skip_)->setChecked(true);
-    if (stored != "1" && stored != "2" && stored != "3") {
+    const auto stored = StoredMissingFileOption(settings_);
+    (stored == MissingFileOption::ReplaceSeparately ? separately_
+     : stored == MissingFileOption::NewLocation     ? newLocation_
+                                                    : skip_)
+        ->setChecked(true);
+    if (!stored) {
         // An unknown stored value selects nothing, so Ok cannot invent one.
         skip_->setAutoExclusive(false);
         skip_->setChecked(false);
@@ -69,18 +74,20 @@ QuickReplaceDialog::QuickReplaceDialog(Settings& settings, const std::string& en
 
 void QuickReplaceDialog::ok() {
     if (skip_->isChecked()) {
-        settings_.WriteSetting("1", "qrSetting");
+        chosen_ = MissingFileOption::Skip;
     } else if (separately_->isChecked()) {
-        settings_.WriteSetting("2", "qrSetting");
+        chosen_ = MissingFileOption::ReplaceSeparately;
     } else if (newLocation_->isChecked()) {
-        settings_.WriteSetting("3", "qrSetting");
+        chosen_ = MissingFileOption::NewLocation;
     }
     accept();
 }
 
-void QtQuickReplaceDialogs::QrMissing(const std::string& entryName, const std::string& folder) {
+std::optional<MissingFileOption> QtQuickReplaceDialogs::QrMissing(const std::string& entryName,
+                                                                  const std::string& folder) {
     QuickReplaceDialog dialog(settings_, entryName, folder, owner_);
     dialog.exec();
+    return dialog.chosen();
 }
 
 } // namespace korvel::ui

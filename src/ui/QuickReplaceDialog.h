@@ -1,10 +1,10 @@
 // `qrMissing`: asked by quick replace when an entry has no file of its name
-// in the folder. Ok stores the chosen option in `qrSetting`; closing it any
-// other way keeps the previous choice.
+// in the folder. Ok hands back the chosen option; closing it any other way
+// hands back nothing, and the previous choice stands.
 #pragma once
 
-#include "window/QuickReplaceDialogs.h"
 #include "settings/Settings.h"
+#include "window/QuickReplaceDialogs.h"
 
 #include <QDialog>
 
@@ -20,10 +20,14 @@ public:
     QuickReplaceDialog(Settings& settings, const std::string& entryName, const std::string& folder,
                        QWidget* parent);
 
+    // The option taken with Ok; nothing when closed any other way.
+    std::optional<MissingFileOption> chosen() const { return chosen_; }
+
 private:
     void ok();
 
     Settings& settings_;
+    std::optional<MissingFileOption> chosen_;
     QRadioButton* skip_;
     QRadioButton* separately_;
     QRadioButton* newLocation_;
@@ -34,7 +38,8 @@ class QtQuickReplaceDialogs : public QuickReplaceDialogs {
 public:
     QtQuickReplaceDialogs(Settings& settings, QWidget* owner)
         : settings_(settings), owner_(owner) {}
-    void QrMissing(const std::string& entryName, const std::string& folder) override;
+    std::optional<MissingFileOption> QrMissing(const std::string& entryName,
+                                               const std::string& folder) override;
 
 private:
     Settings& settings_;

@@ -1,13 +1,12 @@
 #include "window/CommandTable.h"
 
-#include "window/ReportCommands.h"
-#include "archive/EntryCommands.h"
-#include "archive/Marker.h"
-#include "archive/QuickReplace.h"
 #include "window/DesktopCommands.h"
 #include "window/Editor.h"
+#include "window/EntryCommands.h"
 #include "window/MainCommands.h"
 #include "window/MenuTree.h"
+#include "window/QuickReplaceCommand.h"
+#include "window/ReportCommands.h"
 
 namespace korvel {
 
@@ -17,7 +16,6 @@ std::vector<MenuCommand> BuildCommandTable(const CommandTargets& targets) {
     EntryCommands& entries = targets.entries;
     QuickReplace& quickReplace = targets.quickReplace;
     WindowOnlyCommands& window = targets.window;
-    using NameCase = EntryCommands::NameCase;
 
     std::vector<MenuCommand> table = {
         // File
@@ -31,7 +29,7 @@ std::vector<MenuCommand> BuildCommandTable(const CommandTargets& targets) {
         {"EditSelect", [&main] { main.SelectAllEntries(); }},
         {"EditFind", [&window] { window.OpenFindWindow(); }},
         {"EditFindIn", [&window] { window.OpenFindInFilesWindow(); }},
-        {"EditInsertMarker", [&entries, &editor] { (void)InsertMarker(entries, editor); }},
+        {"EditInsertMarker", [&entries] { (void)entries.InsertMarker(); }},
         {"EditLowCaseName", [&entries] { entries.LowerCaseSelected(NameCase::BeforeExtension); }},
         {"EditLowCase", [&entries] { entries.LowerCaseSelected(NameCase::Extension); }},
         {"ConvLFName", [&entries] { entries.LowerCaseSelected(NameCase::Whole); }},

@@ -4,8 +4,11 @@
 // asks. Text crossing this interface is UTF-8.
 #pragma once
 
+#include "archive/EntryOperations.h"
+
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace korvel {
@@ -21,13 +24,20 @@ struct RenameRequest {
     std::function<bool(const std::string& typed)> doRename;
 };
 
+// The duplicate dialog's answer: the chosen action (nothing when it was
+// closed by its frame, which keeps the stored one) and its "don't prompt
+// again" box.
+struct DuplicateDialogAnswer {
+    std::optional<DuplicateAnswer> action;
+    bool dontPrompt = false;
+};
+
 class EntryDialogs {
 public:
     virtual ~EntryDialogs() = default;
-    // Shows `addingDup` modally with `conflictingName` in `Label4`. The dialog
-    // writes `addingOpt` and `scanPrompt` itself; closing it by its frame
-    // leaves them as they were. Returns when it is closed.
-    virtual void AddingDup(const std::string& conflictingName) = 0;
+    // Shows `addingDup` modally with `conflictingName` in `Label4` and
+    // returns the person's answer once it is closed.
+    virtual DuplicateDialogAnswer AddingDup(const std::string& conflictingName) = 0;
     // Shows (or refills) `RenameAItem`. A modal request returns when the
     // dialog is closed; a modeless one returns at once and the dialog calls
     // request.doRename later.

@@ -1,6 +1,6 @@
 #include "window/MainCommands.h"
 
-#include "archive/EntryCommands.h"
+#include "window/EntryCommands.h"
 #include "archive/Marker.h"
 #include "archive/Names.h"
 #include "platform/Folders.h"
@@ -50,7 +50,7 @@ void MainCommands::Startup(const std::string& commandLine) {
     EntryCommands::EnsureTempsFolder();
     // Rewritten at each start so the marker carries the current language;
     // a folder that cannot be written only costs the marker command.
-    (void)WriteMarkerFile(editor_.settings());
+    (void)WriteMarkerFile(editor_.text("markText"));
     editor_.settings().EnsureSettingsFile();
     AddListColumnHeaders();
     editor_.LoadRecentMenu();

@@ -3,17 +3,22 @@
 // without the other entry dialogs. Text crossing it is UTF-8.
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace korvel {
+
+// The three options of `qrMissing`.
+enum class MissingFileOption { Skip, ReplaceSeparately, NewLocation };
 
 class QuickReplaceDialogs {
 public:
     virtual ~QuickReplaceDialogs() = default;
     // Shows `qrMissing` modally with the entry's name and the folder it was
-    // looked for in. Its Ok button writes the choice ("1", "2" or "3") to
-    // `qrSetting`; closing it any other way leaves the setting as it was.
-    virtual void QrMissing(const std::string& entryName, const std::string& folder) = 0;
+    // looked for in. Returns the option chosen with Ok, nothing when it was
+    // closed any other way (the stored choice then stands).
+    virtual std::optional<MissingFileOption> QrMissing(const std::string& entryName,
+                                                       const std::string& folder) = 0;
 };
 
 } // namespace korvel

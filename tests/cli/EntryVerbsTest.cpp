@@ -2,7 +2,7 @@
 #include "ScriptedDesktop.h"
 #include "ScriptedEntryDialogs.h"
 #include "TestFolder.h"
-#include "archive/EntryCommands.h"
+#include "window/EntryCommands.h"
 
 #include <gtest/gtest.h>
 
@@ -90,8 +90,8 @@ TEST_F(EntryVerbs, EachVerbChangesTheArchiveAsTheWindowDoes) {
         {"replace",
          {{"CAR.dff", big},
           [&](EntryCommands& c, Editor&) {
-              c.ReplaceEntry(big, 0);
-              c.ReplaceEntry(big, 2);
+              EXPECT_TRUE(c.ReplaceRow(0, big).status.ok());
+              EXPECT_TRUE(c.ReplaceRow(2, big).status.ok());
           }}},
         {"rename",
          {{"bus.txd", "coach.txd"}, [](EntryCommands& c, Editor&) { c.DoRename(1, "coach.txd"); }}},
@@ -99,25 +99,26 @@ TEST_F(EntryVerbs, EachVerbChangesTheArchiveAsTheWindowDoes) {
          {{"--all"},
           [&](EntryCommands& c, Editor& e) {
               e.table().selectAll();
-              c.LowerCaseSelected(EntryCommands::NameCase::Whole);
+              c.LowerCaseSelected(NameCase::Whole);
           }}},
         {"lowercase",
          {{"--name", "car.dff", "bus.txd"},
           [&](EntryCommands& c, Editor& e) {
               select(e, {0, 1, 2});
-              c.LowerCaseSelected(EntryCommands::NameCase::BeforeExtension);
+              c.LowerCaseSelected(NameCase::BeforeExtension);
           }}},
         {"lowercase",
          {{"--extension", "car.dff"},
           [&](EntryCommands& c, Editor& e) {
               select(e, {0, 2});
-              c.LowerCaseSelected(EntryCommands::NameCase::Extension);
+              c.LowerCaseSelected(NameCase::Extension);
           }}},
         {"delete",
          {{"CAR.DFF"},
           [&](EntryCommands& c, Editor& e) {
+              e.settings().WriteSetting("False", "deleteProm");
               select(e, {0, 2});
-              c.DeleteSelectedEntries();
+              c.DeleteSelectedAsking();
           }}},
         {"move-to-end",
          {{"car.dff", "bus.txd"},

@@ -3,7 +3,7 @@
 #include "ScriptedEntryDialogs.h"
 #include "TestFolder.h"
 #include "archive/Marker.h"
-#include "archive/QuickReplace.h"
+#include "window/QuickReplaceCommand.h"
 
 #include <gtest/gtest.h>
 
@@ -24,7 +24,9 @@ const std::vector<DirRecord> Base = {
 
 // Nobody answers: an entry without a file is skipped.
 struct SkipAll : QuickReplaceDialogs {
-    void QrMissing(const std::string&, const std::string&) override {}
+    std::optional<MissingFileOption> QrMissing(const std::string&, const std::string&) override {
+        return std::nullopt;
+    }
 };
 
 class ToolVerbs : public ::testing::Test {
@@ -88,7 +90,7 @@ TEST_F(ToolVerbs, QuickReplaceMatchesTheWindowsCommandAndCounts) {
             }
             editor.settings().WriteSetting("1", "qrSetting");
             SkipAll dialogs;
-            QuickReplace(editor, commands, dialogs).ReplaceFromFolder(in());
+            QuickReplace(editor, commands, dialogs).ReplaceSelectedFromFolder(in());
         });
         EXPECT_EQ(pair(cli), pair(engine));
         EXPECT_NE(pair(cli), before);
@@ -102,9 +104,9 @@ TEST_F(ToolVerbs, MarkerAppendsOneEachTimeAsTheWindowDoes) {
         EXPECT_EQ(result.exitCode, 0) << result.err;
         EXPECT_EQ(result.out, "");
     }
-    const std::string engine = viaEngine([](Editor& editor, EntryCommands& commands) {
-        EXPECT_TRUE(InsertMarker(commands, editor));
-        EXPECT_TRUE(InsertMarker(commands, editor));
+    const std::string engine = viaEngine([](Editor&, EntryCommands& commands) {
+        EXPECT_TRUE(commands.InsertMarker());
+        EXPECT_TRUE(commands.InsertMarker());
     });
     EXPECT_EQ(pair(cli), pair(engine));
     const auto records = DecodeDirectory(pair(cli).second);

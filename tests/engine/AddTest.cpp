@@ -27,7 +27,8 @@ TEST_F(Add, ANewEntryFollowsTheEntryLastInTheDataWhateverTheRowOrder) {
     open({{9, 3, "zz.dff"}, {0, 1, "aa.dff"}}, 2 * SectorSize);
     editor.table().setOrder(EntryTable::Order::Name);
     std::string name = "mm.txd";
-    EXPECT_EQ(commands.AddFile(input("mm.txd", "x"), name), EntryCommands::AddResult::Added);
+    EXPECT_EQ(AddFile(editor.archive(), input("mm.txd", "x"), name, true, {}).result,
+              AddResult::Added);
     EXPECT_EQ(names(), (std::vector<std::string>{"aa.dff", "mm.txd", "zz.dff"}));
     EXPECT_EQ(editor.table()[1].startSector, 12u);
     EXPECT_EQ(FileLength(img()), 13 * SectorSize);
@@ -123,7 +124,8 @@ TEST_F(Add, DontPromptAgainAndTheMarkerAndNameOrder) {
 
     // The marker is never scanned: a second one is added without a question.
     std::string marker(MarkerName);
-    EXPECT_EQ(commands.AddFile(input("marker.gta", "m"), marker), EntryCommands::AddResult::Added);
+    EXPECT_EQ(AddFile(editor.archive(), input("marker.gta", "m"), marker, true, {}).result,
+              AddResult::Added);
     EXPECT_EQ(editor.table().size(), 4u);
 
     // Switching the scan off adds duplicates as they come.
@@ -170,6 +172,15 @@ TEST_F(Add, AFailedFileIsReportedAndTheBatchGoesOn) {
     EXPECT_EQ(imgBytes(), img0);
     EXPECT_EQ(records(), tableRecords());
     EXPECT_EQ(editor.table().size(), 2u);
+    SetStepHook({});
+
+    // A write that stops after some bytes have landed: the tail goes too.
+    {
+        const FileSizeLimit limit(img0.size() + SectorSize);
+        EXPECT_EQ(commands.AddFileBatch({input("d.dff", Pattern(3 * SectorSize, 'd'))}), 1u);
+    }
+    EXPECT_EQ(imgBytes(), img0);
+    EXPECT_EQ(records(), tableRecords());
 }
 
 } // namespace

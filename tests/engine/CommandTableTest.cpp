@@ -1,8 +1,8 @@
 #include "window/CommandTable.h"
 
-#include "archive/EntryCommands.h"
-#include "archive/QuickReplace.h"
+#include "window/EntryCommands.h"
 #include "window/MainCommands.h"
+#include "window/QuickReplaceCommand.h"
 
 #include "EditorHarness.h"
 #include "ScriptedEntryDialogs.h"
@@ -21,7 +21,9 @@ struct NoLooks : ListAppearance {
 };
 
 struct NoQuickReplaceDialogs : QuickReplaceDialogs {
-    void QrMissing(const std::string&, const std::string&) override {}
+    std::optional<MissingFileOption> QrMissing(const std::string&, const std::string&) override {
+        return std::nullopt;
+    }
 };
 
 // Records which window-only command ran.

@@ -45,7 +45,8 @@ TEST_F(DeleteMove, TheProgressBarShowsFromElevenRows) {
         EXPECT_EQ(dirBytes(), "");
         // With every row gone the next file goes to offset 0.
         std::string name = "n.dff";
-        commands.AddFile(input("n.dff", "n"), name);
+        EXPECT_EQ(AddFile(editor.archive(), input("n.dff", "n"), name, false, {}).result,
+                  AddResult::Added);
         EXPECT_EQ(editor.table()[0].startSector, 0u);
     }
 }

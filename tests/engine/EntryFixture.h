@@ -5,8 +5,8 @@
 
 #include "EditorHarness.h"
 #include "ScriptedEntryDialogs.h"
-#include "archive/EntryCommands.h"
 #include "platform/FileCopy.h"
+#include "window/EntryCommands.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "archive/Marker.h"
 #include "EntryFixture.h"
-#include "window/MainCommands.h"
 #include "platform/Folders.h"
+#include "window/MainCommands.h"
 
 namespace korvel::test {
 namespace {
@@ -19,8 +19,8 @@ TEST_F(Marker, TwiceGivesTwoMarkersWithoutADuplicatePrompt) {
     settings.WriteSetting("True", "addingScan");
     settings.WriteSetting("0", "scanPrompt");
     // No duplicate answers are queued: a prompt would throw.
-    ASSERT_TRUE(InsertMarker(commands, editor));
-    ASSERT_TRUE(InsertMarker(commands, editor));
+    ASSERT_TRUE(commands.InsertMarker());
+    ASSERT_TRUE(commands.InsertMarker());
 
     EXPECT_TRUE(dialogs.shown.empty());
     const std::string marker(MarkerName);
@@ -54,7 +54,7 @@ TEST_F(Marker, CarriesTheCurrentLanguageAndCreatesTheIconsFolder) {
     const std::string french = text("markText");
     ASSERT_NE(french, english);
     open({{0, 1, "a.dff"}}, SectorSize);
-    ASSERT_TRUE(InsertMarker(commands, editor));
+    ASSERT_TRUE(commands.InsertMarker());
     const std::string ansi = *Utf8ToCp1252(french);
     EXPECT_EQ(ReadBytes(folder / "icons" / "marker.gta"), ansi + "\r\n");
     EXPECT_EQ(imgBytes().substr(SectorSize), MarkerData(ansi));
@@ -65,7 +65,7 @@ TEST_F(Marker, AMarkerFileThatCannotBeWrittenAddsNothing) {
     // A file where the icons folder should be.
     WriteBytes(folder / "icons", "in the way");
     const std::string before = dirBytes();
-    EXPECT_FALSE(InsertMarker(commands, editor));
+    EXPECT_FALSE(commands.InsertMarker());
     EXPECT_EQ(desktop.said("message(Exclamation)").size(), 1u);
     EXPECT_EQ(dirBytes(), before);
     EXPECT_EQ(editor.table().size(), 1u);

@@ -1,36 +1,40 @@
-#include "archive/QuickReplace.h"
 #include "EntryFixture.h"
+#include "window/QuickReplaceCommand.h"
 
 namespace korvel::test {
 namespace {
 
-// `qrMissing` with queued answers: "1", "2", "3" press Ok with that option
-// (writing qrSetting as the dialog does), "<close>" closes it by its frame.
+// `qrMissing` with queued answers: "1", "2", "3" press Ok with that option,
+// "<close>" closes it by its frame.
 class ScriptedQuickReplaceDialogs : public QuickReplaceDialogs {
 public:
-    explicit ScriptedQuickReplaceDialogs(Settings& settings) : settings_(settings) {}
     std::deque<std::string> answers;
     std::vector<std::string> shown; // "NAME @ FOLDER"
 
-    void QrMissing(const std::string& entryName, const std::string& folder) override {
+    std::optional<MissingFileOption> QrMissing(const std::string& entryName,
+                                               const std::string& folder) override {
         if (answers.empty()) {
             throw std::logic_error("qrMissing shown without an answer for " + entryName);
         }
         shown.push_back(entryName + " @ " + folder);
         const std::string answer = answers.front();
         answers.pop_front();
-        if (answer != "<close>") {
-            settings_.WriteSetting(answer, "qrSetting");
+        if (answer == "1") {
+            return MissingFileOption::Skip;
         }
+        if (answer == "2") {
+            return MissingFileOption::ReplaceSeparately;
+        }
+        if (answer == "3") {
+            return MissingFileOption::NewLocation;
+        }
+        return std::nullopt;
     }
-
-private:
-    Settings& settings_;
 };
 
 class QuickReplaceTest : public EntryFixture {
 protected:
-    QuickReplaceTest() : qrDialogs(settings), quick(editor, commands, qrDialogs) {}
+    QuickReplaceTest() : quick(editor, commands, qrDialogs) {}
 
     // a.dff and c.dff have files in "in" (c.dff in other letter case),
     // b.dff has none; the marker never looks for one.
@@ -167,9 +171,9 @@ TEST_F(QuickReplaceTest, AFailedReplacementIsReportedAndStopsTheRun) {
     QuickReplaceCounts counts;
     {
         FileSizeLimit full(4 * SectorSize);
-        counts = quick.ReplaceFromFolder(in());
+        counts = quick.ReplaceSelectedFromFolder(in());
     }
-    EXPECT_TRUE(counts.failed);
+    EXPECT_FALSE(counts.status.ok());
     EXPECT_EQ(counts.replaced, 0u);
     EXPECT_TRUE(qrDialogs.shown.empty());
     ASSERT_EQ(desktop.said("message(Exclamation)").size(), 1u);

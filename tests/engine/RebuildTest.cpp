@@ -1,4 +1,5 @@
 #include "EntryFixture.h"
+#include "archive/RebuildJournal.h"
 
 #include <fstream>
 

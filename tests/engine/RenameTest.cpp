@@ -37,14 +37,14 @@ TEST_F(Rename, TheDialogRefusesBlankNamesAndStoresWhatWasTyped) {
 
 TEST_F(Rename, NameCaseCommands) {
     struct Case {
-        EntryCommands::NameCase which;
+        NameCase which;
         std::vector<std::string> names;
         const char* status;
     };
     const Case cases[] = {
-        {EntryCommands::NameCase::BeforeExtension, {"bus.DFF", "NOTES", "A.B", "KEEP.TXD"}, "1 lcase1"},
-        {EntryCommands::NameCase::Extension, {"BUS.dff", "NOTES", "A.B", "KEEP.TXD"}, "1 lcase2"},
-        {EntryCommands::NameCase::Whole, {"bus.dff", "notes", "a.b", "KEEP.TXD"}, "3 lcase1"},
+        {NameCase::BeforeExtension, {"bus.DFF", "NOTES", "A.B", "KEEP.TXD"}, "1 lcase1"},
+        {NameCase::Extension, {"BUS.dff", "NOTES", "A.B", "KEEP.TXD"}, "1 lcase2"},
+        {NameCase::Whole, {"bus.dff", "notes", "a.b", "KEEP.TXD"}, "3 lcase1"},
     };
     for (const Case& c : cases) {
         open({{0, 1, "BUS.DFF"}, {1, 1, "NOTES"}, {2, 1, "A.B"}, {3, 1, "KEEP.TXD"}},

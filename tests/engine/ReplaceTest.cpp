@@ -27,7 +27,7 @@ TEST_F(Replace, InPlaceShrinkOrAppendByTheSectorRule) {
         const std::string file = Pattern(c.fileSize, 'A');
         const std::string path = input("new.dff", file);
 
-        ASSERT_EQ(commands.ReplaceEntry(path, 1), "");
+        ASSERT_TRUE(ReplaceEntry(editor.archive(), 1, path).status.ok());
 
         const std::string after = imgBytes();
         const Entry& row = editor.table()[1];
@@ -51,7 +51,6 @@ TEST_F(Replace, InPlaceShrinkOrAppendByTheSectorRule) {
         }
         EXPECT_EQ(records(), tableRecords());
         EXPECT_EQ(editor.highestOffset(), SectorToOffset(row.startSector > 5 ? 6 : 5));
-        EXPECT_EQ(desktop.status, "car.dff " + text("rep5"));
         EXPECT_EQ(settings.ReadSetting("archiveState"), "peachy");
     }
 }
@@ -59,7 +58,7 @@ TEST_F(Replace, InPlaceShrinkOrAppendByTheSectorRule) {
 TEST_F(Replace, TheLastEntryGrowsBehindItselfNotOverIt) {
     open({{0, 1, "a.dff"}, {1, 1, "last.dff"}}, 2 * SectorSize);
     const std::string before = imgBytes();
-    ASSERT_EQ(commands.ReplaceEntry(input("x", Pattern(3000, 'k')), 1), "");
+    ASSERT_TRUE(ReplaceEntry(editor.archive(), 1, input("x", Pattern(3000, 'k'))).status.ok());
     EXPECT_EQ(editor.table()[1].startSector, 2u);
     EXPECT_EQ(imgBytes().substr(0, 2 * SectorSize), before);
 }
@@ -101,8 +100,20 @@ TEST_F(Replace, AFailedCopyLeavesTheArchiveAsItWas) {
     SetStepHook(
         [](std::string_view step) { return step == "copy" ? FsError("disk full") : FsError(); });
 
-    EXPECT_EQ(commands.ReplaceEntry(input("big", Pattern(5000, 'z')), 0), "disk full");
+    EXPECT_EQ(ReplaceEntry(editor.archive(), 0, input("big", Pattern(5000, 'z'))).status.error(),
+              "disk full");
 
+    EXPECT_EQ(imgBytes(), img0);
+    EXPECT_EQ(dirBytes(), dir0);
+    EXPECT_EQ(records(), tableRecords());
+    SetStepHook({});
+
+    // A write that stops after some bytes have landed: the tail goes too.
+    {
+        const FileSizeLimit limit(img0.size() + SectorSize);
+        EXPECT_FALSE(
+            ReplaceEntry(editor.archive(), 0, input("big", Pattern(5000, 'y'))).status.ok());
+    }
     EXPECT_EQ(imgBytes(), img0);
     EXPECT_EQ(dirBytes(), dir0);
     EXPECT_EQ(records(), tableRecords());

@@ -4,23 +4,26 @@
 
 namespace korvel::test {
 
-void ScriptedEntryDialogs::AddingDup(const std::string& conflictingName) {
+DuplicateDialogAnswer ScriptedEntryDialogs::AddingDup(const std::string& conflictingName) {
     if (duplicateAnswers.empty()) {
         throw std::logic_error("no scripted answer for addingDup " + conflictingName);
     }
     std::string answer = duplicateAnswers.front();
     duplicateAnswers.pop_front();
     shown.push_back("addingDup " + conflictingName + " -> " + answer);
+    DuplicateDialogAnswer result;
+    result.dontPrompt = settings_.ReadSetting("scanPrompt") == "1";
     if (answer == "<close>") {
-        return;
+        return result;
     }
     const std::string dontPrompt = "+dontPrompt";
     if (answer.size() > dontPrompt.size() &&
         answer.compare(answer.size() - dontPrompt.size(), dontPrompt.size(), dontPrompt) == 0) {
         answer.resize(answer.size() - dontPrompt.size());
-        settings_.WriteSetting("1", "scanPrompt");
+        result.dontPrompt = true;
     }
-    settings_.WriteSetting(answer, "addingOpt");
+    result.action = DuplicateAnswerFromWord(answer);
+    return result;
 }
 
 void ScriptedEntryDialogs::RenameAItem(const RenameRequest& request) {

@@ -213,6 +213,9 @@ void ToolWindowsTest::qrMissingCaptionsAndAnswers() {
         } else {
             dialog.reject();
         }
+        if (const auto chosen = dialog.chosen()) {
+            korvel::RecordMissingFileOption(env.settings, *chosen);
+        }
         QCOMPARE(QString::fromStdString(env.settings.ReadSetting("qrSetting")),
                  QString::fromLatin1(c.after));
     }

@@ -1,18 +1,13 @@
-// The commands that work on entries: extracting and viewing, adding,
-// replacing, deleting and moving, rebuilding, renaming and name case. They
-// act on the open archive of an Editor, talk to the person through its
-// Desktop and the EntryDialogs, and keep the table, the directory file and
-// the data file in agreement when something fails. Rows are 0-based here.
+// The menu commands that work on entries. Each gathers the selection, the
+// settings and the person's answers through the Desktop and the
+// EntryDialogs, calls the operation (archive/EntryOperations.h) and tells the
+// person how it went. Rows are 0-based here.
 #pragma once
 
-#include "archive/EntryFiles.h"
-#include "archive/RebuildJournal.h"
-#include "platform/FileSystem.h"
+#include "archive/EntryOperations.h"
 #include "window/Editor.h"
 #include "window/EntryDialogs.h"
 
-#include <filesystem>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,13 +17,16 @@ namespace korvel {
 // (`scanPrompt` is "1" or "0", but the file is the person's to edit).
 long NumberSetting(const std::string& value);
 
+// The duplicate answer korvel.ini remembers (`addingOpt`), and the one place
+// that records the duplicate dialog's answer (`addingOpt`, `scanPrompt`).
+DuplicateAnswer StoredDuplicateAnswer(const Settings& settings);
+void RecordDuplicateAnswer(Settings& settings, const DuplicateDialogAnswer& answer);
+
 class EntryCommands {
 public:
     enum class ExtractMode { Ask, Quick };
-    enum class AddResult { Added, Skipped, Replaced, Failed };
-    enum class NameCase { Whole, BeforeExtension, Extension };
 
-    // Registers ComRebuild as the editor's rebuild command (offered on
+    // Registers RebuildAsking as the editor's rebuild command (offered on
     // closing); the destructor takes it back.
     EntryCommands(Editor& editor, EntryDialogs& dialogs);
     ~EntryCommands();
@@ -44,32 +42,24 @@ public:
     void ViewSelectedEntries();
     // Needs no archive: start-up runs it too.
     static void EnsureTempsFolder();
-    const std::string& pickedFolder() const { return pickedFolder_; }
 
     // --- replacing -----------------------------------------------------------
-    // Puts the file's data in place of the row's; empty on success, else the
-    // description of the failure (nothing reported to the person).
-    FsError ReplaceEntry(const std::string& path, std::size_t row);
     void ReplaceSelectedAskingFiles();
     void ReplaceEntryWithDialog(std::size_t row);
+    // Replaces the row from the file and tells the person as the window does.
+    ReplaceResult ReplaceRow(std::size_t row, const std::string& path);
 
     // --- adding --------------------------------------------------------------
-    // Adds one file under `name` (raw Windows-1252 bytes; "renameNew" changes
-    // it). Does not write the directory file.
-    AddResult AddFile(const std::string& path, std::string& name);
     // Adds files given by full path, texture dictionaries last, and writes
     // the directory once. `fromDialog` chooses the add dialog's status texts
     // over those of a drop. Returns the number of files that failed.
     std::size_t AddFileBatch(const std::vector<std::string>& paths, bool fromDialog = false);
-    // The open dialog's answer: full paths, none when cancelled.
-    std::vector<std::string> AddDialog();
     void AddFilesAskingPaths();
     // The `AddingScan` menu item: flips the duplicate scan.
     void ToggleAddingScan();
 
     // --- deleting and moving -------------------------------------------------
     void DeleteSelectedAsking();
-    bool DeleteSelectedEntries();
     void MoveSelectedToEnd();
 
     // --- rebuilding ----------------------------------------------------------
@@ -84,18 +74,21 @@ public:
     bool DoRename(std::size_t row, const std::string& typed);
     void LowerCaseSelected(NameCase which);
 
-private:
-    class NameIndex;
+    // --- the marker ----------------------------------------------------------
+    // EditInsertMarker: true when the marker was added and the directory written.
+    bool InsertMarker();
 
+private:
+    std::vector<std::size_t> SelectedRows() const;
     std::size_t ExtractSelected(ExtractMode firstMode);
-    // `appendAt`, in a batch, carries where the next file goes from one file
-    // to the next, so adding to a big archive costs no pass over its rows;
-    // nullptr for a single file.
-    AddResult AddFileIndexed(const std::string& path, std::string& name, NameIndex& index,
-                             std::optional<std::uint64_t>* appendAt = nullptr);
-    bool DeleteSelected(const std::vector<Entry>& restoreOnFailure);
-    bool ReplaceWithDialog(std::size_t row);
+    std::vector<std::string> AddDialog();
+    DecideDuplicate DuplicateDecider();
+    // Tells the person about one add outcome; true when it failed.
+    bool ReportAdded(const AddOutcome& outcome, const std::string& name);
     void ReportAddFailure(const std::string& description, const std::string& name);
+    void ShowError(const std::string& error);
+    void ShowDeleteProgress(std::size_t count);
+    bool ReplaceWithDialog(std::size_t row);
 
     Editor& editor_;
     EntryDialogs& dialogs_;
