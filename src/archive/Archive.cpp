@@ -1,6 +1,8 @@
 #include "archive/Archive.h"
 
 #include "archive/Format.h"
+#include "archive/RebuildJournal.h"
+#include "platform/Cp1252.h"
 #include "platform/FileSystem.h"
 
 namespace korvel {
@@ -13,6 +15,25 @@ std::vector<Entry> RowsOf(const std::vector<DirRecord>& records) {
         rows.push_back(Entry{record.startSector, record.sizeSectors, record.name, false});
     }
     return rows;
+}
+
+// The data path a new archive is opened under. On a case-insensitive system
+// this is the classic "lower-cased directory path with .dir turned back into
+// .img"; elsewhere lower-casing would name a different file, so we open the
+// data file under the name it was created with.
+std::string DataPathForNewArchive(const std::string& chosen, const std::filesystem::path& dir) {
+#ifdef _WIN32
+    (void)chosen;
+    std::string path = ToLowerCp1252(dir.string());
+    for (std::size_t at = path.find(".dir"); at != std::string::npos;
+         at = path.find(".dir", at + 4)) {
+        path.replace(at, 4, ".img");
+    }
+    return path;
+#else
+    (void)dir;
+    return chosen;
+#endif
 }
 
 std::string TooManyEntries(const std::string& dirPath) {
@@ -78,6 +99,44 @@ void Archive::Close() {
     dataPath_ = NoPath;
     dirPath_ = NoPath;
     highestOffset_ = 0;
+}
+
+std::optional<OpenFailure>
+OpenArchiveFiles(Archive& archive, const std::string& dataPath,
+                 const std::function<void(const std::string&, const std::string&)>& beforeReading) {
+    RecoverInterruptedRebuild(dataPath);
+    const std::string dirPath = DirectoryPathFor(dataPath).string();
+    if (!FileExists(dataPath)) {
+        archive.Close();
+        return OpenFailure{OpenFailure::Step::DataFileMissing, dataPath};
+    }
+    if (!FileExists(dirPath)) {
+        archive.Close();
+        return OpenFailure{OpenFailure::Step::DirectoryFileMissing, dirPath};
+    }
+    if (beforeReading) {
+        beforeReading(dataPath, dirPath);
+    }
+    if (const Status read = archive.ReadDirectory(dataPath, dirPath); !read.ok()) {
+        return OpenFailure{OpenFailure::Step::DirectoryUnreadable, read.error()};
+    }
+    return std::nullopt;
+}
+
+std::string NewArchiveDataPath(const std::string& chosen) {
+    return HasImgExtension(chosen) ? chosen : chosen + ".img";
+}
+
+Status CreateEmptyArchive(const std::string& dataPath, std::string& openPath) {
+    if (FsError error = CreateEmptyFile(dataPath); !error.empty()) {
+        return Status::Failed("cannot create " + dataPath + ": " + error);
+    }
+    const std::filesystem::path dirPath = DirectoryPathFor(dataPath);
+    if (FsError error = CreateEmptyFile(dirPath); !error.empty()) {
+        return Status::Failed("cannot create " + dirPath.string() + ": " + error);
+    }
+    openPath = DataPathForNewArchive(dataPath, dirPath);
+    return Status::Ok();
 }
 
 } // namespace korvel

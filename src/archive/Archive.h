@@ -8,6 +8,8 @@
 #include "platform/Status.h"
 
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -52,5 +54,33 @@ private:
     std::uint64_t highestOffset_ = 0;
     EntryTable table_;
 };
+
+// Why an archive could not be opened; the window and the command-line tool
+// each word it their own way.
+struct OpenFailure {
+    enum class Step { DataFileMissing, DirectoryFileMissing, DirectoryUnreadable };
+    Step step;
+    std::string detail; // the missing file's path, or what went wrong reading
+};
+
+// Opens the archive whose data file is `dataPath`, in the order every opener
+// follows: a rebuild cut short is finished or cleared first, the directory
+// file is found, both files must exist, `beforeReading` (if given) runs with
+// both paths (the window asks about read-only files there), then the
+// directory is read. Nothing when the archive is open.
+std::optional<OpenFailure>
+OpenArchiveFiles(Archive& archive, const std::string& dataPath,
+                 const std::function<void(const std::string& dataPath, const std::string& dirPath)>&
+                     beforeReading = {});
+
+// The data file a new archive gets for a chosen path: one without ".img" gets
+// the extension (otherwise it would pair with itself as its own directory
+// file).
+std::string NewArchiveDataPath(const std::string& chosen);
+
+// Creates an empty archive (both files, cutting existing ones to nothing) and
+// returns the path to open it under; `dataPath` is a NewArchiveDataPath.
+// On failure the status says what could not be created.
+Status CreateEmptyArchive(const std::string& dataPath, std::string& openPath);
 
 } // namespace korvel

@@ -1,6 +1,7 @@
 #include "archive/Format.h"
 #include "archive/Names.h"
 #include "cli/Verbs.h"
+#include "platform/Cp1252.h"
 #include "platform/FileSystem.h"
 
 #include <cstdio>
@@ -16,14 +17,14 @@ int List(const Arguments& args) {
             return Fail("--sort takes \"name\" or \"offset\", not \"" + order + "\"");
         }
         if (order == "name") {
-            session.editor().table().setOrder(EntryTable::Order::Name);
+            session.archive().table().setOrder(EntryTable::Order::Name);
         }
     }
     if (!session.open(args.operands[0])) {
         return ExitFailure;
     }
     std::string out;
-    for (const Entry& entry : session.editor().table().rows()) {
+    for (const Entry& entry : session.archive().table().rows()) {
         out += Cp1252ToUtf8(entry.name);
         out += '\t';
         out += OffsetText(entry.startSector);
@@ -39,17 +40,15 @@ int New(const Arguments& args) {
     Session session;
     const std::string& path = args.operands[0];
     const bool force = args.has("--force");
-    const std::string target = HasImgExtension(path) ? path : path + ".img";
+    const std::string target = NewArchiveDataPath(path);
     if (FileExists(target) && !force) {
         return Fail(target + " already exists; give --force to replace it with an empty archive");
     }
-    session.desktop().fileDialogPaths = {path};
-    session.desktop().yesAnswer = force;
-    session.editor().NewArchiveAskingPath();
-    if (!session.editor().isOpen()) {
-        return Fail(session.failure("cannot create " + target));
+    std::string openPath;
+    if (const Status created = CreateEmptyArchive(target, openPath); !created.ok()) {
+        return Fail(created.error());
     }
-    return 0;
+    return session.open(openPath) ? 0 : ExitFailure;
 }
 
 } // namespace

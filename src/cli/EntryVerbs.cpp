@@ -7,6 +7,7 @@
 #include "cli/Verbs.h"
 #include "platform/Cp1252.h"
 #include "platform/FileSystem.h"
+#include "settings/FailureTexts.h"
 
 #include <algorithm>
 #include <iostream>
@@ -24,67 +25,21 @@ struct Run {
 
     Archive& archive() { return session.archive(); }
     EntryTable& table() { return session.archive().table(); }
-    std::string text(const char* key) { return session.settings().LookupText(key); }
+    std::string text(const char* key) { return session.text(key); }
 
     // One error line, as the window would have shown it.
     void error(const std::string& message) {
-        std::cerr << "korvel-cli: " << OneLine(message) << '\n';
+        PrintError(message);
         failed = true;
     }
-    void failure(const Status& status) { error(text("ohCrap1") + " " + status.error()); }
+    void failure(const Status& status, const std::string& concerning = {}) {
+        error(FileFailureText(session.settings(), status.error(), concerning));
+    }
     void addFailure(const std::string& description, const std::string& rawName) {
-        error(text("ohCrap1") + " " + description + "\r\n" + text("ohCrap2") + "\r\n" +
-              Cp1252ToUtf8(rawName));
+        error(AddFailureText(session.settings(), description, rawName));
     }
     int finish() { return failed ? ExitFailure : 0; }
 };
-
-// Rows whose names equal one of `names` ignoring case. Every name must match
-// at least one row; `problem` names the first that does not.
-std::optional<std::vector<std::size_t>>
-MatchRows(const EntryTable& table, const std::vector<std::string>& names, std::string& problem) {
-    std::vector<bool> matched(table.size(), false);
-    for (const std::string& typed : names) {
-        const auto name = Utf8ToCp1252(typed);
-        bool any = false;
-        for (std::size_t row = 0; name && row < table.size(); ++row) {
-            if (EqualsIgnoreCase(table[row].name, *name)) {
-                matched[row] = true;
-                any = true;
-            }
-        }
-        if (!any) {
-            problem = "no entry is named \"" + typed + "\"";
-            return std::nullopt;
-        }
-    }
-    std::vector<std::size_t> rows;
-    for (std::size_t row = 0; row < matched.size(); ++row) {
-        if (matched[row]) {
-            rows.push_back(row);
-        }
-    }
-    return rows;
-}
-
-// The named rows (all rows when `names` is empty and `allWhenNone`), or
-// nothing after printing the name that matches no row.
-std::optional<std::vector<std::size_t>> NamedRows(Run& run, const std::vector<std::string>& names,
-                                                  bool allWhenNone) {
-    if (names.empty() && allWhenNone) {
-        std::vector<std::size_t> rows(run.table().size());
-        for (std::size_t row = 0; row < rows.size(); ++row) {
-            rows[row] = row;
-        }
-        return rows;
-    }
-    std::string problem;
-    auto rows = MatchRows(run.table(), names, problem);
-    if (!rows) {
-        Fail(problem);
-    }
-    return rows;
-}
 
 std::vector<std::string> From(const Arguments& args, std::size_t first) {
     return {args.operands.begin() + static_cast<std::ptrdiff_t>(first), args.operands.end()};
@@ -95,7 +50,7 @@ int Extract(const Arguments& args) {
     if (!run.session.open(args.operands[0])) {
         return ExitFailure;
     }
-    const auto rows = NamedRows(run, From(args, 2), true);
+    const auto rows = NamedRows(run.table(), From(args, 2), true);
     if (!rows) {
         return ExitFailure;
     }
@@ -113,7 +68,7 @@ int Extract(const Arguments& args) {
         if (!result.target) {
             run.error(result.status.error());
         } else if (!result.status.ok()) {
-            run.failure(Status::Failed(result.status.error() + "\r\n" + result.target->string()));
+            run.failure(result.status, result.target->string());
         }
     }
     return run.finish();
@@ -185,10 +140,9 @@ int ReplaceFile(const Arguments& args) {
     if (!run.session.open(args.operands[0])) {
         return ExitFailure;
     }
-    std::string problem;
-    const auto rows = MatchRows(run.table(), {args.operands[1]}, problem);
+    const auto rows = NamedRows(run.table(), {args.operands[1]}, false);
     if (!rows) {
-        return Fail(problem);
+        return ExitFailure;
     }
     for (std::size_t row : *rows) {
         const ReplaceResult result = ReplaceEntry(run.archive(), row, file);
@@ -219,10 +173,9 @@ int RenameEntry(const Arguments& args) {
     if (!run.session.open(args.operands[0])) {
         return ExitFailure;
     }
-    std::string problem;
-    const auto rows = MatchRows(run.table(), {args.operands[1]}, problem);
+    const auto rows = NamedRows(run.table(), {args.operands[1]}, false);
     if (!rows) {
-        return Fail(problem);
+        return ExitFailure;
     }
     for (std::size_t row : *rows) {
         if (const Status renamed = korvel::RenameEntry(run.archive(), row, *name); !renamed.ok()) {
@@ -241,7 +194,7 @@ int LowerCase(const Arguments& args) {
     if (!run.session.open(args.operands[0])) {
         return ExitFailure;
     }
-    const auto rows = NamedRows(run, From(args, 1), true);
+    const auto rows = NamedRows(run.table(), From(args, 1), true);
     if (!rows) {
         return ExitFailure;
     }
@@ -260,7 +213,7 @@ int Delete(const Arguments& args) {
     if (!run.session.open(args.operands[0])) {
         return ExitFailure;
     }
-    const auto rows = NamedRows(run, From(args, 1), false);
+    const auto rows = NamedRows(run.table(), From(args, 1), false);
     if (!rows) {
         return ExitFailure;
     }
@@ -275,14 +228,13 @@ int MoveToEnd(const Arguments& args) {
     if (!run.session.open(args.operands[0])) {
         return ExitFailure;
     }
-    const auto rows = NamedRows(run, From(args, 1), false);
+    const auto rows = NamedRows(run.table(), From(args, 1), false);
     if (!rows) {
         return ExitFailure;
     }
     if (rows->front() + 1 == run.table().size()) {
         // Moving only the last row is a no-op the window explains; say so too.
-        std::cerr << "korvel-cli: "
-                  << OneLine(run.text("move1") + "\r\nDe dum de de, de diddle dum.") << '\n';
+        PrintError(run.text("move1") + "\r\nDe dum de de, de diddle dum.");
         return 0;
     }
     if (const Status moved = MoveRowsToEnd(run.archive(), *rows); !moved.ok()) {
@@ -302,10 +254,7 @@ int RebuildArchive(const Arguments& args) {
     if (!result.status.ok()) {
         run.failure(result.status);
     }
-    if (result.reopen && !run.session.editor().OpenArchive(dataPath)) {
-        for (const std::string& message : run.session.desktop().messages) {
-            run.error(message);
-        }
+    if (result.reopen && !run.session.open(dataPath)) {
         run.failed = true;
     }
     return run.finish();

@@ -4,6 +4,7 @@
 #include "archive/QuickReplace.h"
 #include "cli/Verbs.h"
 #include "platform/Cp1252.h"
+#include "settings/FailureTexts.h"
 
 #include <cstdint>
 #include <iostream>
@@ -12,10 +13,6 @@ namespace korvel::cli {
 namespace {
 
 namespace fs = std::filesystem;
-
-void PrintError(const std::string& message) {
-    std::cerr << "korvel-cli: " << OneLine(message) << '\n';
-}
 
 int QuickReplaceVerb(const Arguments& args) {
     const std::string& folder = args.operands[1];
@@ -26,41 +23,25 @@ int QuickReplaceVerb(const Arguments& args) {
     if (!session.open(args.operands[0])) {
         return ExitFailure;
     }
-    const EntryTable& table = session.archive().table();
-    std::vector<bool> named(table.size(), args.operands.size() == 2);
-    for (std::size_t i = 2; i < args.operands.size(); ++i) {
-        const auto name = Utf8ToCp1252(args.operands[i]);
-        bool any = false;
-        for (std::size_t row = 0; name && row < table.size(); ++row) {
-            if (EqualsIgnoreCase(table[row].name, *name)) {
-                named[row] = true;
-                any = true;
-            }
-        }
-        if (!any) {
-            return Fail("no entry is named \"" + args.operands[i] + "\"");
-        }
-    }
-    std::vector<std::size_t> rows;
-    for (std::size_t row = 0; row < named.size(); ++row) {
-        if (named[row]) {
-            rows.push_back(row);
-        }
+    const std::vector<std::string> names(args.operands.begin() + 2, args.operands.end());
+    const auto rows = NamedRows(session.archive().table(), names, true);
+    if (!rows) {
+        return ExitFailure;
     }
     // No one is asked here: an entry without a file is skipped.
     const auto skip = [](const std::string&, std::size_t, const std::string&) {
         return MissingFileAnswer{};
     };
-    const QuickReplaceCounts counts = ReplaceFromFolder(session.archive(), rows, folder, skip, {});
-    const std::string ohCrap = session.settings().LookupText("ohCrap1") + " ";
+    const QuickReplaceCounts counts = ReplaceFromFolder(session.archive(), *rows, folder, skip, {});
+    const Settings& texts = session.settings();
     if (!counts.status.ok()) {
         if (counts.directoryNotWritten) {
-            PrintError(ohCrap + counts.status.error());
+            PrintError(FileFailureText(texts, counts.status.error()));
         }
         const std::string error = counts.directoryNotWritten ? std::string(DirectoryNotWrittenText)
                                                              : counts.status.error();
         std::cout << "replaced " << counts.replaced << ", skipped " << counts.skipped << '\n';
-        PrintError(ohCrap + error + "\r\n" + Cp1252ToUtf8(counts.failedName));
+        PrintError(FileFailureText(texts, error, Cp1252ToUtf8(counts.failedName)));
         return ExitFailure;
     }
     std::cout << "replaced " << counts.replaced << ", skipped " << counts.skipped << '\n';
@@ -77,16 +58,14 @@ int MarkerVerb(const Arguments& args) {
     if (result.status.ok()) {
         return 0;
     }
-    const std::string ohCrap = settings.LookupText("ohCrap1") + " ";
     if (result.failed == MarkerResult::Failed::Data) {
-        PrintError(ohCrap + result.status.error() + "\r\n" + settings.LookupText("ohCrap2") +
-                   "\r\n" + Cp1252ToUtf8(std::string(MarkerName)));
+        PrintError(AddFailureText(settings, result.status.error(), std::string(MarkerName)));
         // Deliberate: the rows as they stand are written after a failed copy.
         if (const Status written = session.archive().WriteDirectory(); !written.ok()) {
-            PrintError(ohCrap + written.error());
+            PrintError(FileFailureText(settings, written.error()));
         }
     } else {
-        PrintError(ohCrap + result.status.error());
+        PrintError(FileFailureText(settings, result.status.error()));
     }
     return ExitFailure;
 }

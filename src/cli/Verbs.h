@@ -3,12 +3,12 @@
 // reports) add theirs through one Add...Verbs function each.
 #pragma once
 
-#include "window/Editor.h"
-#include "cli/CliDesktop.h"
+#include "archive/Archive.h"
 #include "settings/Settings.h"
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -36,28 +36,36 @@ struct Verb {
 
 using VerbTable = std::map<std::string, Verb>;
 
-// Prints "korvel-cli: message" on stderr and returns ExitFailure.
+// Prints "korvel-cli: message" on stderr as one line (line breaks become
+// single spaces).
+void PrintError(const std::string& message);
+// PrintError, then ExitFailure.
 int Fail(const std::string& message);
 
-// An editor with no window: in-memory settings at their defaults, the
-// shipped language file for its texts, and a desktop that answers for itself.
+// An archive with no window: the operations work on it directly. The
+// interface texts of the error lines come from the shipped language file;
+// the settings live in memory at their defaults, so the tool never reads or
+// writes the editor's korvel.ini.
 class Session {
 public:
     Session();
-    CliDesktop& desktop() { return desktop_; }
-    Editor& editor() { return editor_; }
-    Archive& archive() { return editor_.archive(); }
+    Archive& archive() { return archive_; }
     Settings& settings() { return settings_; }
-    // Opens the archive or returns false after printing why.
+    std::string text(const char* key) const { return settings_.LookupText(key); }
+    // Opens the archive (finishing or clearing an interrupted rebuild first),
+    // or returns false after printing why.
     bool open(const std::string& path);
-    // The first message the engine showed, or `fallback`.
-    std::string failure(const std::string& fallback) const;
 
 private:
-    CliDesktop desktop_;
     Settings settings_;
-    Editor editor_;
+    Archive archive_;
 };
+
+// Rows whose names equal one of `names` ignoring case, in table order: all
+// rows when `names` is empty and `allWhenNone`. Nothing, after printing the
+// first name that matches no row, when one does not.
+std::optional<std::vector<std::size_t>>
+NamedRows(const EntryTable& table, const std::vector<std::string>& names, bool allWhenNone);
 
 void AddArchiveVerbs(VerbTable& verbs); // list, new
 // extract, add, replace, rename, lowercase, delete, move-to-end, rebuild

@@ -1,5 +1,7 @@
 #include "window/Editor.h"
 
+#include "settings/FailureTexts.h"
+
 #include "archive/Format.h"
 #include "archive/RebuildJournal.h"
 #include "platform/FileSystem.h"
@@ -11,25 +13,6 @@ namespace {
 
 std::string RecentKey(int slot) {
     return "recent" + std::to_string(slot);
-}
-
-// The data path a new archive is opened under. On a case-insensitive system
-// this is the classic "lower-cased directory path with .dir turned back into
-// .img"; elsewhere lower-casing would name a different file, so we open the
-// data file under the name it was created with.
-std::string DataPathForNewArchive(const std::string& chosen, const std::filesystem::path& dir) {
-#ifdef _WIN32
-    (void)chosen;
-    std::string path = ToLowerCp1252(dir.string());
-    for (std::size_t at = path.find(".dir"); at != std::string::npos;
-         at = path.find(".dir", at + 4)) {
-        path.replace(at, 4, ".img");
-    }
-    return path;
-#else
-    (void)dir;
-    return chosen;
-#endif
 }
 
 } // namespace
@@ -44,7 +27,7 @@ void Editor::FindHighestOffset() {
 bool Editor::WriteDirectory() {
     const Status status = archive_.WriteDirectory();
     if (!status.ok()) {
-        desktop_.ShowMessage(text("ohCrap1") + " " + status.error(), "Error",
+        desktop_.ShowMessage(FileFailureText(settings_, status.error()), "Error",
                              MessageIcon::Exclamation);
     }
     return status.ok();
@@ -77,35 +60,30 @@ void Editor::AddPlaceholderRow() {
 }
 
 bool Editor::OpenArchive(const std::string& path) {
-    // A rebuild cut short is finished or cleared before anything is read.
-    RecoverInterruptedRebuild(path);
-    const std::string& newData = path;
-    const std::string newDir = DirectoryPathFor(path).string();
-
-    const auto failMissing = [&](const std::string& message, const std::string& missing) {
-        desktop_.ShowMessage(message + "\n" + missing, text("invalidFL"), MessageIcon::Information);
-        ResetToClosed();
-        AddPlaceholderRow();
-        return false;
-    };
-    if (!FileExists(newData)) {
-        return failMissing(text("openArchive1"), newData);
-    }
-    if (!FileExists(newDir)) {
-        return failMissing(text("openArchive2"), newDir);
-    }
-
-    if (IsReadOnly(newData) || IsReadOnly(newDir)) {
-        const std::string question =
-            text("openArchive3") + "\n" + text("openArchive4") + "\n" + text("openArchive5");
-        if (desktop_.AskYesNo(question, "")) {
-            ClearAttributes(newData);
-            ClearAttributes(newDir);
+    const auto askAboutReadOnly = [this](const std::string& dataPath, const std::string& dirPath) {
+        if (IsReadOnly(dataPath) || IsReadOnly(dirPath)) {
+            const std::string question =
+                text("openArchive3") + "\n" + text("openArchive4") + "\n" + text("openArchive5");
+            if (desktop_.AskYesNo(question, "")) {
+                ClearAttributes(dataPath);
+                ClearAttributes(dirPath);
+            }
         }
-    }
-
-    if (const Status read = archive_.ReadDirectory(newData, newDir); !read.ok()) {
-        desktop_.ShowMessage(read.error(), "", MessageIcon::None);
+    };
+    if (const auto failure = OpenArchiveFiles(archive_, path, askAboutReadOnly)) {
+        switch (failure->step) {
+        case OpenFailure::Step::DataFileMissing:
+            desktop_.ShowMessage(text("openArchive1") + "\n" + failure->detail, text("invalidFL"),
+                                 MessageIcon::Information);
+            break;
+        case OpenFailure::Step::DirectoryFileMissing:
+            desktop_.ShowMessage(text("openArchive2") + "\n" + failure->detail, text("invalidFL"),
+                                 MessageIcon::Information);
+            break;
+        case OpenFailure::Step::DirectoryUnreadable:
+            desktop_.ShowMessage(failure->detail, "", MessageIcon::None);
+            break;
+        }
         ResetToClosed();
         AddPlaceholderRow();
         return false;
@@ -219,28 +197,19 @@ void Editor::NewArchiveAskingPath() {
     if (!answer.chosen() || answer.paths.front().empty()) {
         return;
     }
-    std::string path = answer.paths.front();
-    // A name without ".img" would pair with itself as its own directory file;
-    // give it the extension the archive needs.
-    if (!HasImgExtension(path)) {
-        path += ".img";
-    }
+    const std::string path = NewArchiveDataPath(answer.paths.front());
     if (FileExists(path)) {
         const std::string question = text("fe1") + " " + path + "\n" + text("fe2");
         if (!desktop_.AskYesNo(question, text("fe3"))) {
             return;
         }
     }
-    if (!CreateEmptyFile(path).empty()) {
+    std::string openPath;
+    if (!CreateEmptyArchive(path, openPath).ok()) {
         desktop_.SetStatus(text("newArc3"));
         return;
     }
-    const std::filesystem::path dir = DirectoryPathFor(path);
-    if (!CreateEmptyFile(dir).empty()) {
-        desktop_.SetStatus(text("newArc3"));
-        return;
-    }
-    OpenArchive(DataPathForNewArchive(path, dir));
+    OpenArchive(openPath);
     desktop_.SetStatus(text("newArc2"));
 }
 

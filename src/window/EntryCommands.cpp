@@ -1,5 +1,7 @@
 #include "window/EntryCommands.h"
 
+#include "settings/FailureTexts.h"
+
 #include "archive/Marker.h"
 
 #include "platform/Blanks.h"
@@ -82,8 +84,8 @@ std::vector<std::size_t> EntryCommands::SelectedRows() const {
     return rows;
 }
 
-void EntryCommands::ShowError(const std::string& error) {
-    editor_.desktop().ShowMessage(editor_.text("ohCrap1") + " " + error, "Error",
+void EntryCommands::ShowError(const std::string& error, const std::string& concerning) {
+    editor_.desktop().ShowMessage(FileFailureText(editor_.settings(), error, concerning), "Error",
                                   MessageIcon::Exclamation);
 }
 
@@ -149,7 +151,7 @@ bool EntryCommands::ExtractEntry(std::size_t row, ExtractMode mode) {
         return false;
     }
     if (!result.status.ok()) {
-        ShowError(result.status.error() + "\r\n" + result.target->string());
+        ShowError(result.status.error(), result.target->string());
         return false;
     }
     if (mode == ExtractMode::Ask) {
@@ -256,9 +258,8 @@ void EntryCommands::ReplaceEntryWithDialog(std::size_t row) {
 // --- adding --------------------------------------------------------------------
 
 void EntryCommands::ReportAddFailure(const std::string& description, const std::string& name) {
-    editor_.desktop().ShowMessage(editor_.text("ohCrap1") + " " + description + "\r\n" +
-                                      editor_.text("ohCrap2") + "\r\n" + Cp1252ToUtf8(name),
-                                  "Error", MessageIcon::Exclamation);
+    editor_.desktop().ShowMessage(AddFailureText(editor_.settings(), description, name), "Error",
+                                  MessageIcon::Exclamation);
 }
 
 DecideDuplicate EntryCommands::DuplicateDecider() {

@@ -86,7 +86,7 @@ private:
     // Tells the person about one add outcome; true when it failed.
     bool ReportAdded(const AddOutcome& outcome, const std::string& name);
     void ReportAddFailure(const std::string& description, const std::string& name);
-    void ShowError(const std::string& error);
+    void ShowError(const std::string& error, const std::string& concerning = {});
     void ShowDeleteProgress(std::size_t count);
     bool ReplaceWithDialog(std::size_t row);
 

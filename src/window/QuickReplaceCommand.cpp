@@ -1,5 +1,7 @@
 #include "window/QuickReplaceCommand.h"
 
+#include "settings/FailureTexts.h"
+
 #include "platform/Cp1252.h"
 
 namespace korvel {
@@ -103,13 +105,12 @@ QuickReplaceCounts QuickReplace::ReplaceSelectedFromFolder(const std::string& fo
     QuickReplaceCounts counts = ReplaceFromFolder(editor_.archive(), rows, folder, ask, replaced);
     if (!counts.status.ok()) {
         if (counts.directoryNotWritten) {
-            desktop.ShowMessage(editor_.text("ohCrap1") + " " + counts.status.error(), "Error",
+            desktop.ShowMessage(FileFailureText(settings, counts.status.error()), "Error",
                                 MessageIcon::Exclamation);
         }
         const std::string error = counts.directoryNotWritten ? std::string(DirectoryNotWrittenText)
                                                              : counts.status.error();
-        desktop.ShowMessage(editor_.text("ohCrap1") + " " + error + "\r\n" +
-                                Cp1252ToUtf8(counts.failedName),
+        desktop.ShowMessage(FileFailureText(settings, error, Cp1252ToUtf8(counts.failedName)),
                             "Error", MessageIcon::Exclamation);
     }
     settings.WriteSetting(counts.folder, "lastQR");

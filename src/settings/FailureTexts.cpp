@@ -1,0 +1,22 @@
+#include "settings/FailureTexts.h"
+
+#include "platform/Cp1252.h"
+
+namespace korvel {
+
+std::string FileFailureText(const Settings& texts, const std::string& error,
+                            const std::string& concerning) {
+    std::string text = texts.LookupText("ohCrap1") + " " + error;
+    if (!concerning.empty()) {
+        text += "\r\n" + concerning;
+    }
+    return text;
+}
+
+std::string AddFailureText(const Settings& texts, const std::string& error,
+                           const std::string& rawName) {
+    return FileFailureText(texts, error,
+                           texts.LookupText("ohCrap2") + "\r\n" + Cp1252ToUtf8(rawName));
+}
+
+} // namespace korvel

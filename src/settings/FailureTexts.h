@@ -1,0 +1,23 @@
+// The words a failed file operation is reported in. The window shows them in
+// a message box and korvel-cli prints them as its error line, so both say the
+// same thing in the person's language.
+#pragma once
+
+#include "settings/Settings.h"
+
+#include <string>
+
+namespace korvel {
+
+// text(ohCrap1), the system's description, and the file or entry concerned
+// on a line of its own when there is one.
+std::string FileFailureText(const Settings& texts, const std::string& error,
+                            const std::string& concerning = {});
+
+// A file that could not be added: text(ohCrap1) and the description, then
+// text(ohCrap2) and the entry's name (raw Windows-1252 bytes) on lines of
+// their own.
+std::string AddFailureText(const Settings& texts, const std::string& error,
+                           const std::string& rawName);
+
+} // namespace korvel
