@@ -282,40 +282,6 @@ TEST_F(EditorTest, FileNewAsksBeforeReplacingAndKeepsFilesOnNo) {
     EXPECT_TRUE(editor.table().empty());
 }
 
-// The table tells its observers exactly what changed.
-class Recorder : public EntryTableObserver {
-public:
-    std::vector<std::string> events;
-    void rowsInserted(std::size_t f, std::size_t n) override { add("ins", f, n); }
-    void rowsRemoved(std::size_t f, std::size_t n) override { add("rem", f, n); }
-    void rowsChanged(std::size_t f, std::size_t l) override { add("chg", f, l); }
-    void tableReset() override { events.push_back("reset"); }
-
-private:
-    void add(const char* what, std::size_t a, std::size_t b) {
-        events.push_back(std::string(what) + " " + std::to_string(a) + " " + std::to_string(b));
-    }
-};
-
-TEST(EntryTable, NotifiesEachChange) {
-    EntryTable table;
-    Recorder recorder;
-    table.addObserver(&recorder);
-    table.assign({{0, 1, "d", false},
-                  {1, 1, "b", false},
-                  {2, 1, "a", false},
-                  {3, 1, "c", false},
-                  {4, 1, "e", false}});
-    table.setSelected(1, true);
-    table.setSelected(1, true); // no change, no event
-    table.removeWhere({true, false, true, true, false});
-    EXPECT_EQ(recorder.events,
-              (std::vector<std::string>{"reset", "chg 1 1", "rem 2 2", "rem 0 1"}));
-    ASSERT_EQ(table.size(), 2u);
-    EXPECT_EQ(table[0].name, "b");
-    EXPECT_TRUE(table[0].selected);
-}
-
 TEST(EntryTable, AppendOffsetIsBehindTheLastEntryInTheDataFile) {
     EntryTable table;
     EXPECT_EQ(table.appendOffset(), 0u);

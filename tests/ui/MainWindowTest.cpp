@@ -191,7 +191,7 @@ void MainWindowTest::rightClickPopsUpCommandsOnlyWithASelection() {
 
 void MainWindowTest::oneRowChangeNotifiesOneRow() {
     WindowEnv env;
-    auto& w = env.start(env.archive("rows.img", {"a.dff", "b.dff", "c.dff"}));
+    auto& w = env.start(env.archive("rows.img", {"a.dff", "b.dff", "c.dff", "d.dff"}));
     QSignalSpy resets(w.model(), &QAbstractItemModel::modelReset);
     QSignalSpy inserted(w.model(), &QAbstractItemModel::rowsInserted);
     QSignalSpy removed(w.model(), &QAbstractItemModel::rowsRemoved);
@@ -203,13 +203,23 @@ void MainWindowTest::oneRowChangeNotifiesOneRow() {
     // must not repaint every row.
     w.editor().AssignTypeIcons();
     table.remove(1);
+    table.setSelected(3, true);
+    table.setSelected(3, true); // no change, no signal
+    QCOMPARE(env.shownNames(),
+             (std::vector<std::string>{"renamed.dff", "c.dff", "d.dff", "new.txd"}));
+    table.removeWhere({true, true, false, true}); // two runs, removed from the back
     QCOMPARE(resets.size(), 0);
     QCOMPARE(inserted.size(), 1);
-    QCOMPARE(removed.size(), 1);
-    QCOMPARE(changed.size(), 1);
-    QCOMPARE(changed[0][0].toModelIndex().row(), 0);
-    QCOMPARE(changed[0][1].toModelIndex().row(), 0);
-    QCOMPARE(env.shownNames(), (std::vector<std::string>{"renamed.dff", "c.dff", "new.txd"}));
+    QStringList removedRows, changedRows;
+    for (const auto& signal : removed)
+        removedRows << QString("%1-%2").arg(signal[1].toInt()).arg(signal[2].toInt());
+    for (const auto& signal : changed)
+        changedRows << QString("%1-%2")
+                           .arg(signal[0].toModelIndex().row())
+                           .arg(signal[1].toModelIndex().row());
+    QCOMPARE(removedRows, (QStringList{"1-1", "3-3", "0-1"}));
+    QCOMPARE(changedRows, (QStringList{"0-0", "3-3"}));
+    QCOMPARE(env.shownNames(), (std::vector<std::string>{"d.dff"}));
 }
 
 void MainWindowTest::aboutBoxShowsProductAndLicence() {
