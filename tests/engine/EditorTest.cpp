@@ -61,8 +61,10 @@ TEST_F(EditorTest, RefusedArchivesAreReportedAndLeaveTheEditorClosed) {
     // 32 767.5 records round to 32 768: one more than the count can hold.
     test::WriteBytes(folder / "big.dir", std::string(1048560, '\0'));
     const std::pair<const char*, std::string> cases[] = {
-        {"gone.img", text("invalidFL") + ": " + text("openArchive1") + "\n" + path("gone.img")},
-        {"lonely.img", text("invalidFL") + ": " + text("openArchive2") + "\n" + path("lonely.dir")},
+        {"gone.img", "(Information) " + text("invalidFL") + ": " + text("openArchive1") + "\n" +
+                         path("gone.img")},
+        {"lonely.img", "(Information) " + text("invalidFL") + ": " + text("openArchive2") + "\n" +
+                           path("lonely.dir")},
         {"big.img", "32767"},
     };
     for (const auto& [name, said] : cases) {
