@@ -65,12 +65,10 @@ TEST_F(CommandTableTest, EveryMenuItemHasExactlyOneCommandAndEveryCommandAnItem)
         EXPECT_TRUE(command.run) << command.item;
         bound.insert(command.item);
     }
-    for (const std::string& item : items) {
+    for (const std::string& item : items)
         EXPECT_EQ(bound.count(item), 1u) << item;
-    }
-    for (const std::string& item : bound) {
+    for (const std::string& item : bound)
         EXPECT_NE(std::find(items.begin(), items.end(), item), items.end()) << item;
-    }
     // recent1..3 and lang1..7 are items too, not just the fixed commands.
     EXPECT_EQ(bound.count("recent3"), 1u);
     EXPECT_EQ(bound.count("lang7"), 1u);
