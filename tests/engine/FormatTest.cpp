@@ -148,10 +148,12 @@ TEST(Names, CaseMappingAndTypes) {
 }
 
 TEST(Names, NameOrderIgnoresCase) {
-    EXPECT_TRUE(NameLess("a.txd", "B.dff"));
-    EXPECT_TRUE(NameLess("b.dff", "C.ifp"));
-    EXPECT_FALSE(NameLess("B.dff", "a.txd"));
-    EXPECT_TRUE(NameLess("ab", "abc"));
+    const std::pair<const char*, const char*> ordered[] = {
+        {"a.txd", "B.dff"}, {"b.dff", "C.ifp"}, {"ab", "abc"}};
+    for (const auto& [first, second] : ordered) {
+        EXPECT_TRUE(NameLess(first, second)) << first;
+        EXPECT_FALSE(NameLess(second, first)) << second;
+    }
     // Same letters in another case: a fixed order so sorting is stable.
     EXPECT_NE(NameLess("A", "a"), NameLess("a", "A"));
 }
