@@ -79,12 +79,6 @@ TEST(FileAssociation, RegistersForTheUserInTheirOwnFolders) {
     setenv("HOME", oldHome.c_str(), 1);
 }
 
-} // namespace
-} // namespace korvel
-
-namespace korvel {
-namespace {
-
 // The MIME package we install and the one we write for the user must agree.
 TEST(FileAssociation, InstalledMimePackageMatchesTheWrittenOne) {
     EXPECT_EQ(test::ReadBytes(std::filesystem::path(KORVEL_SOURCE_DIR) / "data/korvel-img.xml"),

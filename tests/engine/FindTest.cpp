@@ -187,6 +187,8 @@ TEST_F(FindTest, SearchCommandsRememberTheTextAndShowProgress) {
                                         "progress shown: 5", "progress hidden"}));
 }
 
+// The save conversation itself is the reports' to test; here: which list
+// asks before replacing, and what is written.
 TEST_F(FindTest, SavingResultsAsksBeforeReplacingOnlyForFileResults) {
     openDemo();
     const std::string out = (folder / "found.txt").string();
@@ -195,27 +197,21 @@ TEST_F(FindTest, SavingResultsAsksBeforeReplacingOnlyForFileResults) {
 
     SaveFoundEntries(editor, std::nullopt);
     SaveFoundInFiles(editor, std::vector<FoundInFile>{});
-    EXPECT_EQ(desktop.conversation,
-              (std::vector<std::string>{"message(Information) " + text("sd4") + ": " + text("sd3"),
-                                        "message(None) : " + text("sd3")}));
-
     test::WriteBytes(out, "old");
-    desktop.conversation.clear();
-    desktop.answer({out, "no", out, "yes"});
+    desktop.answer({out, "yes"});
     SaveFoundInFiles(editor, FindTextures(archive(), "cheetah92"));
     EXPECT_EQ(test::ReadBytes(out), "cheetah92body  --  cheetah.txd\r\n"
                                     "cheetah92interior  --  cheetah.txd\r\n"
                                     "cheetah92wheel  --  cheetah.txd\r\n");
-    EXPECT_EQ(desktop.conversation,
-              (std::vector<std::string>{save, ask + " -> no", save, ask + " -> yes"}));
-
     // The archive search replaces without asking; names stay Windows-1252.
-    desktop.conversation.clear();
     desktop.answer({out});
     editor.table().setName(0, "caf\xE9.ifp");
     SaveFoundEntries(editor, FindEntries(editor.table(), "caf", std::nullopt));
     EXPECT_EQ(test::ReadBytes(out), "caf\xE9.ifp\r\n");
-    EXPECT_EQ(desktop.conversation, (std::vector<std::string>{save}));
+    EXPECT_EQ(
+        desktop.conversation,
+        (std::vector<std::string>{"message(Information) " + text("sd4") + ": " + text("sd3"),
+                                  "message(None) : " + text("sd3"), save, ask + " -> yes", save}));
 }
 
 } // namespace

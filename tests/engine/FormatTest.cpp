@@ -7,44 +7,41 @@
 namespace korvel {
 namespace {
 
-TEST(Format, RecordCountRoundsHalvesToEven) {
-    struct Case {
-        std::uint64_t length;
-        std::uint64_t records;
-    };
-    const Case cases[] = {
-        {0, 0},
-        {15, 0},
-        {16, 0} /* 0.5 -> 0 */,
-        {17, 1},
-        {32, 1},
-        {48, 2} /* 1.5 -> 2 */,
-        {64, 2},
-        {80, 2} /* 2.5 -> 2 */,
-        {81, 3},
-        {1048559, 32767},
-        {1048560, 32768} /* 32767.5 -> even */,
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(RecordCountForLength(c.length), c.records) << "length " << c.length;
+// The directory's record count and an entry's sectors: both round in ways a
+// plain division would not.
+TEST(Format, RecordCountAndSectorRules) {
+    const std::pair<std::uint64_t, std::uint64_t> records[] = {{0, 0},
+                                                               {15, 0},
+                                                               {16, 0} /* 0.5 -> 0 */,
+                                                               {17, 1},
+                                                               {32, 1},
+                                                               {48, 2} /* 1.5 -> 2 */,
+                                                               {64, 2},
+                                                               {80, 2} /* 2.5 -> 2 */,
+                                                               {81, 3},
+                                                               {1048559, 32767},
+                                                               {1048560, 32768}};
+    for (const auto& [length, count] : records) {
+        EXPECT_EQ(RecordCountForLength(length), count) << "length " << length;
     }
-}
-
-TEST(Format, SectorRuleAlwaysLeavesPadding) {
-    const std::pair<std::uint64_t, std::uint64_t> cases[] = {{0, 1},    {1, 1},    {2047, 1},
-                                                             {2048, 2}, {4095, 2}, {4096, 3}};
-    for (const auto& [bytes, sectors] : cases) {
-        EXPECT_EQ(SectorsForFile(bytes), sectors) << bytes << " bytes";
+    // A file always leaves padding behind it.
+    const std::pair<std::uint64_t, std::uint64_t> sectors[] = {{0, 1},    {1, 1},    {2047, 1},
+                                                               {2048, 2}, {4095, 2}, {4096, 3}};
+    for (const auto& [bytes, count] : sectors) {
+        EXPECT_EQ(SectorsForFile(bytes), count) << bytes << " bytes";
     }
 }
 
 TEST(Format, OffsetAndSizeTexts) {
-    EXPECT_EQ(OffsetText(0), "0");
-    EXPECT_EQ(OffsetText(5), "2800");
-    EXPECT_EQ(OffsetText(0x35), "1A800");
     // Offsets past 2 GiB are computed in 64 bits instead of going negative.
-    EXPECT_EQ(OffsetText(0x100000), "80000000");
-    EXPECT_EQ(OffsetText(0xFFFFFFFF), "7FFFFFFF800");
+    const std::pair<std::uint32_t, const char*> offsets[] = {{0, "0"},
+                                                             {5, "2800"},
+                                                             {0x35, "1A800"},
+                                                             {0x100000, "80000000"},
+                                                             {0xFFFFFFFF, "7FFFFFFF800"}};
+    for (const auto& [sector, text] : offsets) {
+        EXPECT_EQ(OffsetText(sector), text);
+    }
     EXPECT_EQ(SizeText(3), "6kb");
     EXPECT_EQ(SizeText(0), "0kb");
     EXPECT_EQ(SizeText(0xFFFFFFFF), "8589934590kb");
@@ -151,10 +148,12 @@ TEST(Names, CaseMappingAndTypes) {
 }
 
 TEST(Names, NameOrderIgnoresCase) {
-    EXPECT_TRUE(NameLess("a.txd", "B.dff"));
-    EXPECT_TRUE(NameLess("b.dff", "C.ifp"));
-    EXPECT_FALSE(NameLess("B.dff", "a.txd"));
-    EXPECT_TRUE(NameLess("ab", "abc"));
+    const std::pair<const char*, const char*> ordered[] = {
+        {"a.txd", "B.dff"}, {"b.dff", "C.ifp"}, {"ab", "abc"}};
+    for (const auto& [first, second] : ordered) {
+        EXPECT_TRUE(NameLess(first, second)) << first;
+        EXPECT_FALSE(NameLess(second, first)) << second;
+    }
     // Same letters in another case: a fixed order so sorting is stable.
     EXPECT_NE(NameLess("A", "a"), NameLess("a", "A"));
 }

@@ -6,8 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
-
 namespace korvel {
 namespace {
 
@@ -15,16 +13,14 @@ namespace fs = std::filesystem;
 using namespace std::string_literals;
 using namespace korvel::test;
 
-// A source that records every read and flags any that leaves the window the
-// reader was given.
+// A source that flags any read leaving the window the reader was given, and
+// counts what it was asked for.
 class WatchedSource : public ByteSource {
 public:
     WatchedSource(std::string_view bytes, std::uint64_t start, std::uint64_t length)
         : inner_(bytes), start_(start), end_(start + length) {}
     std::size_t readAt(std::uint64_t offset, char* buffer, std::size_t count) override {
-        if (offset < start_ || offset + count > end_) {
-            outside = true;
-        }
+        outside = outside || offset < start_ || offset + count > end_;
         ++reads;
         requested += count;
         return inner_.readAt(offset, buffer, count);
@@ -41,18 +37,16 @@ private:
 
 using Names = std::vector<std::pair<std::string, std::string>>;
 
-Names ReadTextures(const std::string& bytes, std::uint64_t length, bool* outside = nullptr) {
-    // Guard bytes on both sides catch a read outside the entry.
+// Guard bytes that look like chunk ids on both sides of the entry: a read
+// outside it is flagged, and a header read there would look valid.
+Names ReadTextures(const std::string& bytes, std::uint64_t length) {
     const std::string padded = std::string(64, 'G') + bytes + std::string(4096, '\x15');
     WatchedSource source(padded, 64, length);
     Names names;
     for (const TextureName& t : ReadTextureNames(source, 64, length)) {
         names.emplace_back(t.name, t.mask);
     }
-    if (outside) {
-        *outside = source.outside;
-    }
-    EXPECT_FALSE(source.outside);
+    EXPECT_FALSE(source.outside) << "read outside the entry";
     return names;
 }
 
@@ -60,46 +54,8 @@ std::vector<std::string> ReadModels(const std::string& bytes, std::uint64_t leng
     const std::string padded = std::string(32, 'G') + bytes + std::string(256, 'C');
     WatchedSource source(padded, 32, length);
     auto names = ReadCollisionNames(source, 32, length);
-    EXPECT_FALSE(source.outside);
+    EXPECT_FALSE(source.outside) << "read outside the entry";
     return names;
-}
-
-// The demo archive's entries by name (first of each name).
-std::map<std::string, std::string> DemoEntries() {
-    const fs::path img = KORVEL_DEMO_ARCHIVE;
-    const std::string data = test::ReadBytes(img);
-    const auto records = DecodeDirectory(test::ReadBytes(fs::path(img).replace_extension(".dir")));
-    std::map<std::string, std::string> entries;
-    for (const DirRecord& r : records) {
-        entries.emplace(r.name, data.substr(SectorToOffset(r.startSector),
-                                            std::uint64_t{r.sizeSectors} * SectorSize));
-    }
-    return entries;
-}
-
-TEST(TextureDictionaryReader, ReadsEveryTextureOfTheDemoDictionaries) {
-    const auto entries = DemoEntries();
-    const std::map<std::string, Names> expected = {
-        {"Player.txd", {{"playerTorso", ""}, {"playerFace", "playerFaceA"}}},
-        // The middle texture has a 16-byte extension: stepping by chunk sizes
-        // still finds the third.
-        {"cheetah.txd",
-         {{"cheetah92body", "cheetah92bodyA"},
-          {"cheetah92interior", ""},
-          {"cheetah92wheel", "cheetah92wheelA"}}},
-        // Device id 2 in the count's high half.
-        {"infernus.txd", {{"infernusBody", "infernusBodyA"}, {"infernusLights", ""}}},
-        {"particle.txd", {{"sparkBlue", ""}, {"smokePuff", "smokePuffA"}, {"waterDrop", ""}}},
-        {"generic.txd",
-         {{"vehiclegrunge256", ""},
-          {"vehiclelights128", "vehiclelightson128"},
-          {"vehicleshatter128", ""},
-          {"platecharset", "platecharsetA"}}},
-    };
-    for (const auto& [name, names] : expected) {
-        const std::string& bytes = entries.at(name);
-        EXPECT_EQ(ReadTextures(bytes, bytes.size()), names) << name;
-    }
 }
 
 TEST(TextureDictionaryReader, ReadsOnlyTheNameFieldsAndHeaders) {
@@ -111,15 +67,17 @@ TEST(TextureDictionaryReader, ReadsOnlyTheNameFieldsAndHeaders) {
 }
 
 TEST(TextureDictionaryReader, StopsAtDamageWithoutLeavingTheEntry) {
-    const std::string two = Dictionary(2, 0, {Native("one", "m1"), Native("two", "m2")});
-    const std::size_t secondNames = 28 + Native("one", "m1").size() + 32;
+    const std::string one = Native("one", "m1");
+    const std::string two = Dictionary(2, 0, {one, Native("two", "m2")});
+    const std::uint64_t firstEnd = 28 + one.size(); // where the second native starts
     std::string badStruct = two;
-    badStruct[28 + Native("one", "m1").size() + 12] = 0x02;
+    badStruct[firstEnd + 12] = 0x02;
     std::string smallStruct = Dictionary(1, 0, {Native("x", "")});
     smallStruct.replace(44, 4, U32(71));
     std::string hugeNative = two;
     hugeNative.replace(32, 4, U32(0xFFFFFFFF));
-    std::string longName = Dictionary(1, 0, {Native(std::string(32, 'N'), std::string(32, 'M'))});
+    const std::string single = Dictionary(1, 0, {Native("one", "m1")});
+    const std::string many = Dictionary(0xFFFF, 0, {one}) + std::string(500, '\0');
 
     struct Case {
         const char* what;
@@ -132,60 +90,36 @@ TEST(TextureDictionaryReader, StopsAtDamageWithoutLeavingTheEntry) {
         {"whole", two, two.size(), both},
         {"sector padding after the last texture", two + std::string(2000, '\0'), two.size() + 2000,
          both},
-        {"count says more than there is",
-         Dictionary(0xFFFF, 0, {Native("one", "m1")}) + std::string(500, '\0'),
-         Dictionary(0xFFFF, 0, {Native("one", "m1")}).size() + 500,
-         {{"one", "m1"}}},
-        {"count 0 still reads the first",
-         Dictionary(0, 0, {Native("one", "m1")}),
-         Dictionary(0, 0, {Native("one", "m1")}).size(),
-         {{"one", "m1"}}},
+        {"an extension inside a native is stepped over",
+         Dictionary(2, 0, {Native("one", "m1", 20, std::string(16, 'E')), Native("two", "m2")}),
+         two.size() + 16, both},
+        {"count says more than there is", many, many.size(), {{"one", "m1"}}},
+        {"count 0 still reads the first", Dictionary(0, 0, {one}), single.size(), {{"one", "m1"}}},
         {"device id 2 is not part of the count",
-         Dictionary(1, 2, {Native("one", "m1"), Native("two", "m2")}),
+         Dictionary(1, 2, {one, Native("two", "m2")}),
          two.size(),
          {{"one", "m1"}}},
         {"empty dictionary", Dictionary(0, 0, {}), Dictionary(0, 0, {}).size(), {}},
-        {"entry cut inside the second names", two, secondNames + 10, {{"one", "m1"}}},
+        {"entry cut inside the second names", two, firstEnd + 42, {{"one", "m1"}}},
+        {"first native runs exactly to the entry's end", two, firstEnd, {{"one", "m1"}}},
+        {"first native runs one byte past the entry's end", two, firstEnd - 1, {{"one", "m1"}}},
+        {"second header short by its last byte",
+         two,
+         firstEnd + TextureHeadBytes - 1,
+         {{"one", "m1"}}},
+        {"only header short by its last 8 bytes", single, 28 + TextureHeadBytes - 8, {}},
         {"entry shorter than the header", two, 27, {}},
         {"entry ends right after the count", two, 28, {}},
         {"wrong struct id in the second texture", badStruct, badStruct.size(), {{"one", "m1"}}},
         {"struct too small for the names", smallStruct, smallStruct.size(), {}},
         {"native size past the end", hugeNative, hugeNative.size(), {{"one", "m1"}}},
         {"names fill their fields",
-         longName,
-         longName.size(),
+         Dictionary(1, 0, {Native(std::string(32, 'N'), std::string(32, 'M'))}),
+         single.size(),
          {{std::string(32, 'N'), std::string(32, 'M')}}},
     };
     for (const Case& c : cases) {
-        bool outside = false;
-        EXPECT_EQ(ReadTextures(c.bytes, c.length, &outside), c.names) << c.what;
-        EXPECT_FALSE(outside) << c.what;
-    }
-}
-
-TEST(TextureDictionaryReader, ReadsARealThirdPartyDictionary) {
-    const fs::path file = KORVEL_SOURCE_DIR "/../shared/testdata/real/rw-parser_dxtDecoding.txd";
-    if (!fs::exists(file)) {
-        GTEST_SKIP() << "no " << file;
-    }
-    // As an archive entry it is followed by zero padding to its sectors.
-    std::string bytes = test::ReadBytes(file);
-    bytes.resize(SectorsForFile(bytes.size()) * SectorSize, '\0');
-    EXPECT_EQ(ReadTextures(bytes, bytes.size()), (Names{{"DXT1", ""}, {"DXT3", ""}, {"DXT5", ""}}));
-}
-
-TEST(CollisionFileReader, ReadsEveryModelOfTheDemoFiles) {
-    const auto entries = DemoEntries();
-    const std::map<std::string, std::vector<std::string>> expected = {
-        {"vehicles.col", {"cheetah", "infernus", "banshee"}},
-        {"generic.col", {"lamppost1", "trafficlight1", "bench_park"}},
-        {"Bridges.COL", {"bridge_sec01"}},
-        // COL3 then COL2: other bodies, the name field in the same place.
-        {"sa_props.col", {"vendmach_sa", "phonebooth_sa"}},
-    };
-    for (const auto& [name, models] : expected) {
-        const std::string& bytes = entries.at(name); // sector-padded with zeros
-        EXPECT_EQ(ReadModels(bytes, bytes.size()), models) << name;
+        EXPECT_EQ(ReadTextures(c.bytes, c.length), c.names) << c.what;
     }
 }
 
@@ -193,11 +127,11 @@ TEST(CollisionFileReader, StopsAtDamageWithoutLeavingTheFile) {
     const std::string ab = ColModel("COLL", "alpha", 60) + ColModel("COL2", "beta", 100);
     std::string tooBig = ab;
     tooBig.replace(ab.size() - 124 - 8 + 4, 4, U32(125));
-    using Names = std::vector<std::string>;
+    using Models = std::vector<std::string>;
     struct Case {
         const char* what;
         std::string bytes;
-        Names names;
+        Models names;
     };
     const Case cases[] = {
         {"two models", ab, {"alpha", "beta"}},
@@ -214,6 +148,40 @@ TEST(CollisionFileReader, StopsAtDamageWithoutLeavingTheFile) {
     };
     for (const Case& c : cases) {
         EXPECT_EQ(ReadModels(c.bytes, c.bytes.size()), c.names) << c.what;
+    }
+}
+
+// Files written by other tools, each as an archive entry: zero padding to
+// whole sectors behind it.
+TEST(NameReaders, ReadRealThirdPartyFiles) {
+    const fs::path real = KORVEL_SOURCE_DIR "/../shared/testdata/real";
+    if (!fs::exists(real)) {
+        GTEST_SKIP() << "no " << real;
+    }
+    const auto entry = [&](const char* name) {
+        std::string bytes = ReadBytes(real / name);
+        bytes.resize(SectorsForFile(bytes.size()) * SectorSize, '\0');
+        return bytes;
+    };
+    const std::pair<const char*, Names> dictionaries[] = {
+        {"rw-parser_dxtDecoding.txd", {{"DXT1", ""}, {"DXT3", ""}, {"DXT5", ""}}},
+        {"two-textures.txd", {{"wood", ""}, {"leaves", ""}}},
+        {"nitro.txd", {{"nitro", ""}}},
+        {"boxes.txd", {{"brickred2", ""}}},
+    };
+    for (const auto& [name, names] : dictionaries) {
+        const std::string bytes = entry(name);
+        EXPECT_EQ(ReadTextures(bytes, bytes.size()), names) << name;
+    }
+    const std::pair<const char*, std::vector<std::string>> collisions[] = {
+        {"cube-1.col", {"LARGE" + std::string(15, ' ')}}, // padded with spaces, no zero
+        {"mixed-multiple-2.col", {"LARGE", "THREE"}},
+        {"col3-chunk.col", {"col"}},
+        {"riot_shield.col", {"riot_shield"}},
+    };
+    for (const auto& [name, models] : collisions) {
+        const std::string bytes = entry(name);
+        EXPECT_EQ(ReadModels(bytes, bytes.size()), models) << name;
     }
 }
 

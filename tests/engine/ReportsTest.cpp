@@ -82,6 +82,7 @@ TEST_F(ReportCommandsTest, AsksBeforeReplacingAndSaysHowItWent) {
     SaveHtmlReportAskingPath(editor);
     SaveHtmlReportAskingPath(editor);
     EXPECT_EQ(desktop.conversation.size(), 2u);
+    EXPECT_EQ(test::ReadBytes(out), written);
 
     // A failing dialog, a file that cannot be created, a missing data file.
     const std::vector<std::string> failures = {
