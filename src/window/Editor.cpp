@@ -24,6 +24,10 @@ void Editor::FindHighestOffset() {
     archive_.FindHighestOffset();
 }
 
+void Editor::ShowEntryCount() {
+    desktop_.SetStats(text("stats1") + " " + std::to_string(table().size()));
+}
+
 bool Editor::WriteDirectory() {
     const Status status = archive_.WriteDirectory();
     if (!status.ok()) {
@@ -90,7 +94,7 @@ bool Editor::OpenArchive(const std::string& path) {
     }
 
     PushRecent();
-    desktop_.SetStats(text("stats1") + " " + std::to_string(table().size()));
+    ShowEntryCount();
     desktop_.SetArchivePath(archive_.dataPath());
     ApplyRecentCheck();
     EnableArchiveCommands();

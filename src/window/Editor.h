@@ -38,6 +38,8 @@ public:
     std::string text(std::string_view key) const { return settings_.LookupText(key); }
 
     void FindHighestOffset();
+    // Status panel 2: text(stats1) and the number of rows.
+    void ShowEntryCount();
     // Writes the directory file anew from the rows, atomically. Returns false
     // (after telling the person) when it could not be written; the old file
     // is then still in place.

@@ -299,7 +299,7 @@ bool EntryCommands::ReportAdded(const AddOutcome& outcome, const std::string& na
     Desktop& desktop = editor_.desktop();
     switch (outcome.result) {
     case AddResult::Added:
-        desktop.SetStats(editor_.text("stats1") + " " + std::to_string(editor_.table().size()));
+        editor_.ShowEntryCount();
         return false;
     case AddResult::Replaced:
         desktop.SetStatus(Cp1252ToUtf8(editor_.table()[outcome.row].name) + " " +
@@ -449,8 +449,7 @@ void EntryCommands::DeleteSelectedAsking() {
     }
     editor_.MarkArchiveChanged();
     editor_.desktop().SetStatus(editor_.text("del4"));
-    editor_.desktop().SetStats(editor_.text("stats1") + " " +
-                               std::to_string(editor_.table().size()));
+    editor_.ShowEntryCount();
 }
 
 void EntryCommands::MoveSelectedToEnd() {
@@ -475,7 +474,7 @@ void EntryCommands::MoveSelectedToEnd() {
     }
     editor_.MarkArchiveChanged();
     desktop.SetStatus(editor_.text("del4"));
-    desktop.SetStats(editor_.text("stats1") + " " + std::to_string(table.size()));
+    editor_.ShowEntryCount();
     // Deliberate: the row selected afterwards is the one now standing where
     // the last moved row stood.
     if (rows.back() < table.size()) {
@@ -603,8 +602,7 @@ bool EntryCommands::InsertMarker() {
     case MarkerResult::Failed::Nothing:
         break;
     }
-    editor_.desktop().SetStats(editor_.text("stats1") + " " +
-                               std::to_string(editor_.table().size()));
+    editor_.ShowEntryCount();
     editor_.desktop().SetStatus(editor_.text("markerIn"));
     if (!result.status.ok()) {
         ShowError(result.status.error());
