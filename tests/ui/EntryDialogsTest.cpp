@@ -49,14 +49,6 @@ void SelectOnly(korvel::ui::MainWindow& w, const std::string& name) {
     }
 }
 
-// Saves a picture of a dialog when KORVEL_GRAB_DIR names a folder, so its
-// looks can be checked by eye.
-void Grab(QWidget* widget, const char* file) {
-    if (const char* folder = std::getenv("KORVEL_GRAB_DIR")) {
-        widget->grab().save(QString::fromLocal8Bit(folder) + "/" + QString::fromLatin1(file));
-    }
-}
-
 } // namespace
 
 class EntryDialogsTest : public QObject {
@@ -89,7 +81,6 @@ void EntryDialogsTest::renameDialogCountsRefusesBlankAndAnswers() {
     QCOMPARE(counter->text(), Text(env, "nn1") + " 7/24");
     QCOMPARE(Child<QLineEdit>(dialog, "itemNo")->text(), QStringLiteral("3"));
     QVERIFY(Child<QLineEdit>(dialog, "itemNo")->isHidden());
-    Grab(dialog, "RenameAItem.png");
 
     // The box takes 24 characters and no more; the counter follows each key.
     box->clear();
@@ -166,7 +157,6 @@ void EntryDialogsTest::duplicateDialogHandsBackTheChosenAnswer() {
                 seen << Child<QRadioButton>(dialog, option)->text();
             }
             seen << Child<QCheckBox>(dialog, "dontPrompt")->text();
-            Grab(dialog, "addingDup.png");
             // The stored action is the one selected on load.
             storedChecked =
                 Child<QRadioButton>(dialog,
@@ -228,7 +218,6 @@ void EntryDialogsTest::scanSettingsIsOneModelessWindowThatRecordsAtOnce() {
     QVERIFY(Child<QRadioButton>(dialog, "Option2")->isChecked());
     QVERIFY(Child<QCheckBox>(dialog, "dontPrompt")->isChecked());
     QVERIFY(Child<QLabel>(dialog, "Label4")->isHidden());
-    Grab(dialog, "addingDup-settings.png");
 
     // The check box is recorded when clicked, the option only on Ok.
     Child<QCheckBox>(dialog, "dontPrompt")->click();
