@@ -117,10 +117,8 @@ TEST_F(Add, DontPromptAgainAndTheMarkerAndNameOrder) {
     EXPECT_EQ(dialogs.shown.size(), 1u);
     EXPECT_EQ(editor.table().size(), 3u);
 
-    // The marker is never scanned: a second one is added without a question.
-    std::string marker(MarkerName);
-    EXPECT_EQ(AddFile(editor.archive(), input("marker.gta", "m"), marker, true, {}).result,
-              AddResult::Added);
+    // The marker is never scanned: a second one is added, not skipped.
+    EXPECT_EQ(commands.AddFileBatch({input(std::string(MarkerName), "m")}), 0u);
     EXPECT_EQ(editor.table().size(), 4u);
 
     // Switching the scan off adds duplicates as they come.
