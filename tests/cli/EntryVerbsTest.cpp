@@ -1,8 +1,12 @@
+// korvel-cli's entry and tool verbs: each changes the archive exactly as the
+// window's command does, says what it printed and exits as documented. What
+// the operations do is the engine tests' to prove.
 #include "CliRunner.h"
 #include "ScriptedDesktop.h"
 #include "ScriptedEntryDialogs.h"
 #include "TestFolder.h"
-#include "window/EntryCommands.h"
+#include "archive/Marker.h"
+#include "window/QuickReplaceCommand.h"
 
 #include <gtest/gtest.h>
 
@@ -18,20 +22,33 @@ using test::ReadBytes;
 using test::RunCli;
 using test::WriteBytes;
 
-// Two names that differ only in case, a gap at sector 4, and a texture.
-const std::vector<DirRecord> Base = {
-    {0, 1, "car.dff"}, {1, 2, "BUS.TXD"}, {5, 1, "Car.DFF"}, {3, 1, "wheel.dff"}};
+// Two names that differ only in case, a gap at sector 4, a texture, and the
+// marker (never replaced).
+const std::vector<DirRecord> Base = {{0, 1, "car.dff"},
+                                     {1, 2, "BUS.TXD"},
+                                     {5, 1, "Car.DFF"},
+                                     {3, 1, "wheel.dff"},
+                                     {6, 1, std::string(MarkerName)}};
 
-struct Pair {
-    std::string img;
-    std::string dir;
-    bool operator==(const Pair&) const = default;
+using Pair = std::pair<std::string, std::string>;
+
+// Nobody answers: an entry without a file is skipped.
+struct SkipAll : QuickReplaceDialogs {
+    std::optional<MissingFileOption> QrMissing(const std::string&, const std::string&) override {
+        return std::nullopt;
+    }
 };
 
 class EntryVerbs : public ::testing::Test {
 protected:
+    EntryVerbs() {
+        fs::create_directories(folder / "in");
+        WriteBytes(folder / "in" / "car.dff", std::string(5000, 'c'));
+        WriteBytes(folder / "in" / "bus.txd", "small bus");
+        WriteBytes(folder / "in" / "new.ifp", std::string(100, 'n'));
+    }
     std::string make(const std::string& name) {
-        test::WriteArchive(folder / name, Base, 6 * SectorSize);
+        test::WriteArchive(folder / name, Base, 7 * SectorSize);
         return (folder / name).string();
     }
     Pair pair(const std::string& img) const {
@@ -39,166 +56,138 @@ protected:
         dir.replace_extension(".dir");
         return {ReadBytes(img), ReadBytes(dir)};
     }
-    std::string file(const std::string& name, std::size_t size) {
-        fs::create_directories(folder / "in");
-        std::string bytes(size, '\0');
-        for (std::size_t i = 0; i < size; ++i) {
-            bytes[i] = static_cast<char>('0' + i % 10);
-        }
-        WriteBytes(folder / "in" / name, bytes);
-        return (folder / "in" / name).string();
-    }
+    std::string in(const char* name = "") const { return (folder / "in" / name).string(); }
 
     test::TestFolder folder;
 };
 
+using Window = std::function<void(EntryCommands&, Editor&)>;
+
 TEST_F(EntryVerbs, EachVerbChangesTheArchiveAsTheWindowDoes) {
-    const std::string big = file("car.dff", 5000), small = file("x.txd", 10),
-                      other = file("new.ifp", 100);
-    using Engine = std::function<void(EntryCommands&, Editor&)>;
-    const auto select = [](Editor& editor, std::vector<std::size_t> rows) {
-        editor.table().clearSelection();
-        for (std::size_t row : rows) {
-            editor.table().setSelected(row, true);
-        }
+    const std::string big = in("car.dff"), small = in("bus.txd"), other = in("new.ifp");
+    const auto quick = [&](EntryCommands& c, Editor& e) {
+        SkipAll skip;
+        (void)QuickReplace(e, c, skip).ReplaceSelectedFromFolder(in());
+    };
+    const auto lower = [](NameCase which) {
+        return [which](EntryCommands& c, Editor&) { c.LowerCaseSelected(which); };
     };
     struct Case {
-        std::vector<std::string> args; // after the verb and the archive
-        Engine engine;
+        std::vector<std::string> args; // the verb, then what follows the archive
+        std::string out;
+        std::vector<std::pair<const char*, const char*>> settings; // key, value
+        std::vector<std::size_t> rows;                             // the window's selection
+        Window window;
     };
-    const std::vector<std::pair<std::string, Case>> cases = {
-        {"add",
-         {{small, other, big},
-          [&](EntryCommands& c, Editor& e) {
-              e.settings().WriteSetting("replace", "addingOpt");
-              e.settings().WriteSetting("1", "scanPrompt");
-              c.AddFileBatch({small, other, big});
-          }}},
-        {"add",
-         {{big, other, "--on-duplicate", "skip"},
-          [&](EntryCommands& c, Editor& e) {
-              e.settings().WriteSetting("skip", "addingOpt");
-              e.settings().WriteSetting("1", "scanPrompt");
-              c.AddFileBatch({big, other});
-          }}},
-        {"add",
-         {{big, "--no-scan"},
-          [&](EntryCommands& c, Editor& e) {
-              e.settings().WriteSetting("False", "addingScan");
-              c.AddFileBatch({big});
-          }}},
-        {"replace",
-         {{"CAR.dff", big},
-          [&](EntryCommands& c, Editor&) {
-              EXPECT_TRUE(c.ReplaceRow(0, big).status.ok());
-              EXPECT_TRUE(c.ReplaceRow(2, big).status.ok());
-          }}},
-        {"rename",
-         {{"bus.txd", "coach.txd"}, [](EntryCommands& c, Editor&) { c.DoRename(1, "coach.txd"); }}},
-        {"lowercase",
-         {{"--all"},
-          [&](EntryCommands& c, Editor& e) {
-              e.table().selectAll();
-              c.LowerCaseSelected(NameCase::Whole);
-          }}},
-        {"lowercase",
-         {{"--name", "car.dff", "bus.txd"},
-          [&](EntryCommands& c, Editor& e) {
-              select(e, {0, 1, 2});
-              c.LowerCaseSelected(NameCase::BeforeExtension);
-          }}},
-        {"lowercase",
-         {{"--extension", "car.dff"},
-          [&](EntryCommands& c, Editor& e) {
-              select(e, {0, 2});
-              c.LowerCaseSelected(NameCase::Extension);
-          }}},
-        {"delete",
-         {{"CAR.DFF"},
-          [&](EntryCommands& c, Editor& e) {
-              e.settings().WriteSetting("False", "deleteProm");
-              select(e, {0, 2});
-              c.DeleteSelectedAsking();
-          }}},
-        {"move-to-end",
-         {{"car.dff", "bus.txd"},
-          [&](EntryCommands& c, Editor& e) {
-              select(e, {0, 1, 2});
-              c.MoveSelectedToEnd();
-          }}},
-        {"rebuild", {{}, [](EntryCommands& c, Editor&) { c.Rebuild(); }}},
+    using C = EntryCommands;
+    const std::vector<std::size_t> all = {0, 1, 2, 3, 4};
+    // clang-format off
+    const Case cases[] = {
+        {{"add", small, other, big}, "", {{"addingOpt", "replace"}, {"scanPrompt", "1"}}, {},
+         [&](C& c, Editor&) { c.AddFileBatch({small, other, big}); }},
+        {{"add", big, other, "--on-duplicate", "skip"}, "", {{"addingOpt", "skip"}, {"scanPrompt", "1"}}, {},
+         [&](C& c, Editor&) { c.AddFileBatch({big, other}); }},
+        {{"add", big, "--no-scan"}, "", {{"addingScan", "False"}}, {},
+         [&](C& c, Editor&) { c.AddFileBatch({big}); }},
+        {{"replace", "CAR.dff", big}, "", {}, {},
+         [&](C& c, Editor&) { (void)c.ReplaceRow(0, big); (void)c.ReplaceRow(2, big); }},
+        {{"rename", "bus.txd", "coach.txd"}, "", {}, {}, [](C& c, Editor&) { c.DoRename(1, "coach.txd"); }},
+        {{"lowercase", "--all"}, "", {}, all, lower(NameCase::Whole)},
+        {{"lowercase", "--name", "car.dff", "bus.txd"}, "", {}, {0, 1, 2}, lower(NameCase::BeforeExtension)},
+        {{"lowercase", "--extension", "car.dff"}, "", {}, {0, 2}, lower(NameCase::Extension)},
+        {{"delete", "CAR.DFF"}, "", {{"deleteProm", "False"}}, {0, 2}, [](C& c, Editor&) { c.DeleteSelectedAsking(); }},
+        {{"move-to-end", "car.dff", "bus.txd"}, "", {}, {0, 1, 2}, [](C& c, Editor&) { c.MoveSelectedToEnd(); }},
+        {{"rebuild"}, "", {}, {}, [](C& c, Editor&) { c.Rebuild(); }},
+        {{"marker"}, "", {}, {}, [](C& c, Editor&) { c.InsertMarker(); }},
+        {{"quick-replace", in()}, "replaced 3, skipped 2\n", {{"qrSetting", "1"}}, all, quick},
+        {{"quick-replace", in(), "bus.txd", "WHEEL.DFF"}, "replaced 1, skipped 1\n", {{"qrSetting", "1"}}, {1, 3}, quick},
     };
-    for (const auto& [verb, c] : cases) {
-        SCOPED_TRACE(verb + " " + (c.args.empty() ? "" : c.args.front()));
-        const std::string cliImg = make("cli.img"), engineImg = make("engine.img");
+    // clang-format on
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.args.size() > 1 ? c.args[0] + " " + c.args[1] : c.args[0]);
+        const std::string cliImg = make("cli.img"), windowImg = make("window.img");
         const Pair before = pair(cliImg);
 
-        std::vector<std::string> args = {verb, cliImg};
-        args.insert(args.end(), c.args.begin(), c.args.end());
+        std::vector<std::string> args = {c.args.front(), cliImg};
+        args.insert(args.end(), c.args.begin() + 1, c.args.end());
         const auto result = RunCli(args);
         EXPECT_EQ(result.exitCode, 0) << result.err;
+        EXPECT_EQ(result.out, c.out);
+        EXPECT_EQ(result.err, "");
 
         test::ScriptedDesktop desktop;
         Settings settings(folder / "korvel.ini", folder / "lang.ini");
         settings.EnsureSettingsFile();
+        for (const auto& [key, value] : c.settings) {
+            settings.WriteSetting(value, key);
+        }
         Editor editor(desktop, settings, folder.path());
         test::ScriptedEntryDialogs dialogs(settings);
         EntryCommands commands(editor, dialogs);
-        ASSERT_TRUE(editor.OpenArchive(engineImg));
-        c.engine(commands, editor);
+        ASSERT_TRUE(editor.OpenArchive(windowImg));
+        for (std::size_t row : c.rows) {
+            editor.table().setSelected(row, true);
+        }
+        c.window(commands, editor);
 
-        EXPECT_EQ(pair(cliImg), pair(engineImg));
-        EXPECT_FALSE(pair(cliImg) == before);
+        EXPECT_EQ(pair(cliImg), pair(windowImg));
+        EXPECT_NE(pair(cliImg), before);
         fs::remove(folder / "korvel.ini");
     }
 }
 
-TEST_F(EntryVerbs, ANameThatMatchesNothingChangesNothing) {
+TEST_F(EntryVerbs, RefusalsSayWhyAndChangeNothing) {
     const std::string img = make("a.img");
     const Pair before = pair(img);
-    const std::string f = file("f.dff", 10);
-    const std::vector<std::vector<std::string>> commands = {
-        {"delete", img, "car.dff", "nothere"},
-        {"move-to-end", img, "nothere", "bus.txd"},
-        {"rename", img, "nothere", "x.dff"},
-        {"replace", img, "nothere", f},
-        {"lowercase", img, "--all", "BUS.TXD", "nothere"},
-        {"extract", img, (folder / "out").string(), "car.dff", "nothere"},
-        // The new names a rename refuses, as the dialog does.
-        {"rename", img, "car.dff", "   "},
-        {"rename", img, "car.dff", "abcdefghijklmnopqrstuvwxy"},
+    const std::string out = (folder / "out").string();
+    struct Case {
+        std::vector<std::string> args;
+        int exitCode;
+        const char* names; // text the one error line must hold
     };
-    for (const auto& args : commands) {
-        SCOPED_TRACE(args[0] + " " + args.back());
-        const auto result = RunCli(args);
-        EXPECT_EQ(result.exitCode, 1);
-        EXPECT_NE(result.err.find("korvel-cli: "), std::string::npos);
-        if (args.back() == "nothere") {
-            EXPECT_NE(result.err.find("\"nothere\""), std::string::npos) << result.err;
-        }
+    const Case cases[] = {
+        {{"delete", img, "car.dff", "nothere"}, 1, "\"nothere\""},
+        {{"move-to-end", img, "nothere", "bus.txd"}, 1, "\"nothere\""},
+        {{"rename", img, "nothere", "x.dff"}, 1, "\"nothere\""},
+        {{"replace", img, "nothere", in("new.ifp")}, 1, "\"nothere\""},
+        {{"lowercase", img, "--all", "BUS.TXD", "nothere"}, 1, "\"nothere\""},
+        {{"extract", img, out, "car.dff", "nothere"}, 1, "\"nothere\""},
+        {{"quick-replace", img, in(), "car.dff", "nothere"}, 1, "\"nothere\""},
+        // The new names a rename refuses, as the dialog does.
+        {{"rename", img, "car.dff", "   "}, 1, ""},
+        {{"rename", img, "car.dff", "abcdefghijklmnopqrstuvwxy"}, 1, ""},
+        {{"quick-replace", img, (folder / "nofolder").string()}, 1, ""},
+        {{"marker", (folder / "missing.img").string()}, 1, "missing.img"},
+        {{"quick-replace", img}, 2, "usage"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.args[0] + " " + c.args.back());
+        const auto result = RunCli(c.args);
+        EXPECT_EQ(result.exitCode, c.exitCode);
+        EXPECT_EQ(result.err.rfind("korvel-cli: ", 0), 0u) << result.err;
+        EXPECT_NE(result.err.find(c.names), std::string::npos) << result.err;
         EXPECT_EQ(pair(img), before);
     }
     EXPECT_FALSE(fs::exists(folder / "out"));
 }
 
-TEST_F(EntryVerbs, ExtractWritesEveryEntryItCanAndNamesTheOnesItRefuses) {
+TEST_F(EntryVerbs, ExtractWritesWhatItCanAndNamesWhatItRefuses) {
     const std::string img = (folder / "a.img").string();
-    test::WriteArchive(img, {{0, 1, "ok.dff"}, {1, 1, "../evil.dff"}, {1, 2, "Other.txd"}},
+    test::WriteArchive(img, {{0, 1, "ok.dff"}, {1, 1, "../evil.dff"}, {1, 1, "Other.txd"}},
                        2 * SectorSize);
     const fs::path out = folder / "new" / "out";
     const auto all = RunCli({"extract", img, out.string()});
     EXPECT_EQ(all.exitCode, 1);
     EXPECT_NE(all.err.find("\"../evil.dff\""), std::string::npos) << all.err;
-    EXPECT_EQ(ReadBytes(out / "ok.dff"), ReadBytes(img).substr(0, SectorSize));
-    EXPECT_EQ(ReadBytes(out / "Other.txd"),
-              ReadBytes(img).substr(SectorSize) + std::string(SectorSize, '\0'));
-    EXPECT_FALSE(fs::exists(folder / "new" / "evil.dff"));
+    EXPECT_TRUE(fs::exists(out / "ok.dff"));
+    EXPECT_TRUE(fs::exists(out / "Other.txd"));
 
+    // Named in other letter case: that one only.
     const fs::path named = folder / "named";
     const auto one = RunCli({"extract", img, named.string(), "other.TXD"});
     EXPECT_EQ(one.exitCode, 0) << one.err;
     EXPECT_EQ(std::distance(fs::directory_iterator(named), fs::directory_iterator()), 1);
-    EXPECT_TRUE(fs::exists(named / "Other.txd"));
+    EXPECT_EQ(ReadBytes(named / "Other.txd"), ReadBytes(img).substr(SectorSize));
 }
 
 TEST_F(EntryVerbs, KillingARebuildAtAnyMomentLeavesAWholeArchive) {
@@ -219,7 +208,7 @@ TEST_F(EntryVerbs, KillingARebuildAtAnyMomentLeavesAWholeArchive) {
     const Pair old = pair(img);
     ASSERT_EQ(RunCli({"rebuild", img}).exitCode, 0);
     const Pair rebuilt = pair(img);
-    ASSERT_FALSE(old == rebuilt);
+    ASSERT_NE(old, rebuilt);
 
     for (const Case& c : cases) {
         SCOPED_TRACE(c.step);
@@ -232,7 +221,7 @@ TEST_F(EntryVerbs, KillingARebuildAtAnyMomentLeavesAWholeArchive) {
         // The next open finds one whole pair and nothing left over.
         const auto listed = RunCli({"list", img});
         EXPECT_EQ(listed.exitCode, 0) << listed.err;
-        EXPECT_TRUE(pair(img) == (c.rebuilt ? rebuilt : old));
+        EXPECT_EQ(pair(img), c.rebuilt ? rebuilt : old);
         for (const auto& item : fs::directory_iterator(folder.path())) {
             EXPECT_EQ(item.path().filename().string().find(".korvel"), std::string::npos)
                 << item.path();

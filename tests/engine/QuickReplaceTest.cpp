@@ -4,11 +4,10 @@
 namespace korvel::test {
 namespace {
 
-// `qrMissing` with queued answers: "1", "2", "3" press Ok with that option,
-// "<close>" closes it by its frame.
+// `qrMissing` answering with queued options; nothing means closed by its frame.
 class ScriptedQuickReplaceDialogs : public QuickReplaceDialogs {
 public:
-    std::deque<std::string> answers;
+    std::deque<std::optional<MissingFileOption>> answers;
     std::vector<std::string> shown; // "NAME @ FOLDER"
 
     std::optional<MissingFileOption> QrMissing(const std::string& entryName,
@@ -17,18 +16,9 @@ public:
             throw std::logic_error("qrMissing shown without an answer for " + entryName);
         }
         shown.push_back(entryName + " @ " + folder);
-        const std::string answer = answers.front();
+        const auto answer = answers.front();
         answers.pop_front();
-        if (answer == "1") {
-            return MissingFileOption::Skip;
-        }
-        if (answer == "2") {
-            return MissingFileOption::ReplaceSeparately;
-        }
-        if (answer == "3") {
-            return MissingFileOption::NewLocation;
-        }
-        return std::nullopt;
+        return answer;
     }
 };
 
@@ -61,23 +51,34 @@ protected:
 TEST_F(QuickReplaceTest, EachChoiceForAMissingFile) {
     struct Case {
         const char* what;
-        std::vector<std::string> dialogAnswers;  // qrMissing
+        const char* stored;                      // qrSetting before; after it is the answer's
+        std::optional<MissingFileOption> answer; // qrMissing
         std::vector<std::string> desktopAnswers; // after the first folder picker
-        std::string storedChoice;
         int replaced, skipped;
         std::string bText; // b.dff's first bytes afterwards ("" = untouched)
         std::string cText;
         std::string lastQR; // "" = the "in" folder
     };
     const std::string in2 = (folder / "in2").string();
+    constexpr auto Skip = MissingFileOption::Skip,
+                   Separately = MissingFileOption::ReplaceSeparately,
+                   NewLocation = MissingFileOption::NewLocation;
     const Case cases[] = {
-        {"skip", {"1"}, {}, "1", 2, 2, "", "new c", ""},
-        {"closed by its frame keeps the stored skip", {"<close>"}, {}, "1", 2, 2, "", "new c", ""},
-        {"separately", {"2"}, {"FILE"}, "1", 3, 1, "picked b", "new c", ""},
-        {"separately but cancelled still counts", {"2"}, {Cancel}, "1", 3, 1, "", "new c", ""},
+        {"skip", "3", Skip, {}, 2, 2, "", "new c", ""},
+        {"closed by its frame keeps the stored choice",
+         "2",
+         {},
+         {"FILE"},
+         3,
+         1,
+         "picked b",
+         "new c",
+         ""},
+        {"separately", "1", Separately, {"FILE"}, 3, 1, "picked b", "new c", ""},
+        {"separately but cancelled still counts", "1", Separately, {Cancel}, 3, 1, "", "new c", ""},
         // The new folder holds b.dff and its own c.dff: c comes from there too.
-        {"new folder", {"3"}, {in2}, "1", 3, 1, "in2 b", "in2 c", in2},
-        {"new folder cancelled skips", {"3"}, {Cancel}, "1", 2, 2, "", "new c", ""},
+        {"new folder", "1", NewLocation, {in2}, 3, 1, "in2 b", "in2 c", in2},
+        {"new folder cancelled skips", "1", NewLocation, {Cancel}, 2, 2, "", "new c", ""},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
@@ -86,9 +87,9 @@ TEST_F(QuickReplaceTest, EachChoiceForAMissingFile) {
         WriteBytes(folder / "in2" / "b.dff", "in2 b");
         WriteBytes(folder / "in2" / "c.dff", "in2 c");
         const std::string picked = input("picked.dff", "picked b");
-        settings.WriteSetting(c.storedChoice, "qrSetting");
+        settings.WriteSetting(c.stored, "qrSetting");
         settings.WriteSetting("none", "lastQR");
-        qrDialogs.answers.assign(c.dialogAnswers.begin(), c.dialogAnswers.end());
+        qrDialogs.answers = {c.answer};
         desktop.answers.clear();
         desktop.answer({in()});
         for (const std::string& a : c.desktopAnswers) {
@@ -114,6 +115,11 @@ TEST_F(QuickReplaceTest, EachChoiceForAMissingFile) {
         EXPECT_EQ(settings.ReadSetting("lastQR"), c.lastQR.empty() ? in() : c.lastQR);
         EXPECT_EQ(editor.table().selectedCount(), 0u);
         EXPECT_EQ(records(), tableRecords());
+        if (c.answer) {
+            EXPECT_EQ(StoredMissingFileOption(settings), c.answer);
+        } else {
+            EXPECT_EQ(settings.ReadSetting("qrSetting"), c.stored);
+        }
     }
 }
 
@@ -145,7 +151,7 @@ TEST_F(QuickReplaceTest, FolderChoiceAndTheFewSelectedCases) {
 
     // A remembered folder is offered; Yes takes it without the picker.
     settings.WriteSetting(in(), "lastQR");
-    qrDialogs.answers = {"1"};
+    qrDialogs.answers = {MissingFileOption::Skip};
     desktop.conversation.clear();
     desktop.answer({"yes"});
     quick.QuickReplaceSelected();

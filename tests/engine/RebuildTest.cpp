@@ -1,8 +1,6 @@
 #include "EntryFixture.h"
 #include "archive/RebuildJournal.h"
 
-#include <fstream>
-
 namespace korvel::test {
 namespace {
 
@@ -81,18 +79,6 @@ TEST_F(Rebuild, TheConfirmationAndTheOfferOnClosing) {
     desktop.conversation.clear();
     editor.CloseArchive();
     EXPECT_TRUE(desktop.said("ask").empty());
-}
-
-TEST_F(Rebuild, AnEntryClaimingAGigabytePastTheEndIsStreamed) {
-    const std::uint32_t sectors = (1u << 30) / SectorSize;
-    open({{1, sectors, "big.col"}}, 2 * SectorSize);
-    const std::string second = imgBytes().substr(SectorSize);
-    ASSERT_TRUE(commands.Rebuild());
-    EXPECT_EQ(FileLength(img()), std::uint64_t{1} << 30);
-    std::string head(SectorSize + 8, '\0');
-    std::ifstream in(img(), std::ios::binary);
-    in.read(head.data(), static_cast<std::streamsize>(head.size()));
-    EXPECT_EQ(head, second + std::string(8, '\0'));
 }
 
 TEST_F(Rebuild, AFailureAtAnyStepLeavesTheOldArchiveOrTheNewOne) {

@@ -93,30 +93,44 @@ TEST_F(Replace, ComReplaceAsksPerRowAndStopsOnCancelOrMissingFile) {
     EXPECT_EQ(dirBytes(), dirBefore);
 }
 
-TEST_F(Replace, AFailedCopyLeavesTheArchiveAsItWas) {
-    open({{0, 1, "a.dff"}, {1, 1, "b.dff"}}, 2 * SectorSize);
-    const std::string img0 = imgBytes();
-    const std::string dir0 = dirBytes();
-    SetStepHook(
-        [](std::string_view step) { return step == "copy" ? FsError("disk full") : FsError(); });
-
-    EXPECT_EQ(ReplaceEntry(editor.archive(), 0, input("big", Pattern(5000, 'z'))).status.error(),
-              "disk full");
-
-    EXPECT_EQ(imgBytes(), img0);
-    EXPECT_EQ(dirBytes(), dir0);
-    EXPECT_EQ(records(), tableRecords());
-    SetStepHook({});
-
-    // A write that stops after some bytes have landed: the tail goes too.
-    {
-        const FileSizeLimit limit(img0.size() + SectorSize);
-        EXPECT_FALSE(
-            ReplaceEntry(editor.archive(), 0, input("big", Pattern(5000, 'y'))).status.ok());
+TEST_F(Replace, AFailedWriteLeavesTheTableAndTheDirectoryAsTheyWere) {
+    struct Case {
+        const char* what;
+        std::size_t fileSize; // row 0 holds two sectors at sector 0
+        std::uint64_t limit;  // largest file size a write may reach; 0: the copy step fails
+        bool dataKept;        // the data file is byte for byte as before
+    };
+    const Case cases[] = {
+        {"appended, the copy fails", 5000, 0, true},
+        {"appended, stops after a sector landed", 5000, 4 * SectorSize, true},
+        // In place the old sectors are overwritten as far as the write got:
+        // the row must still say where they are and how many.
+        {"in place and shrinking, stops after 100 bytes landed", 1500, 100, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        open({{0, 2, "a.dff"}, {2, 1, "b.dff"}}, 3 * SectorSize);
+        const std::string img0 = imgBytes(), dir0 = dirBytes();
+        const std::string path = input("big", Pattern(c.fileSize, 'z'));
+        if (c.limit == 0) {
+            SetStepHook([](std::string_view step) {
+                return step == "copy" ? FsError("disk full") : FsError();
+            });
+            EXPECT_EQ(ReplaceEntry(editor.archive(), 0, path).status.error(), "disk full");
+        } else {
+            const FileSizeLimit limit(c.limit);
+            EXPECT_FALSE(ReplaceEntry(editor.archive(), 0, path).status.ok());
+        }
+        SetStepHook({});
+        EXPECT_EQ(imgBytes().size(), img0.size());
+        if (c.dataKept) {
+            EXPECT_EQ(imgBytes(), img0);
+        } else {
+            EXPECT_EQ(imgBytes().substr(0, 100), Pattern(100, 'z'));
+        }
+        EXPECT_EQ(dirBytes(), dir0);
+        EXPECT_EQ(tableRecords(), records());
     }
-    EXPECT_EQ(imgBytes(), img0);
-    EXPECT_EQ(dirBytes(), dir0);
-    EXPECT_EQ(records(), tableRecords());
 }
 
 } // namespace
