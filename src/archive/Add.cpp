@@ -123,6 +123,14 @@ AddBatch::AddBatch(Archive& archive, bool scan, DecideDuplicate decide)
 
 AddBatch::~AddBatch() = default;
 
+AddOutcome AddBatch::DataFailure(std::string error) {
+    AddOutcome outcome = Failure(std::move(error));
+    // Deliberate: after a failed copy the directory file is written from the
+    // rows as they stand, so a rename answered before the copy is kept.
+    outcome.directoryAfterFailure = archive_.WriteDirectory();
+    return outcome;
+}
+
 AddOutcome AddBatch::Add(const std::string& path, std::string& name) {
     EntryTable& table = archive_.table();
     const bool scan = scan_ && name != MarkerName && decide_;
@@ -165,9 +173,7 @@ AddOutcome AddBatch::Add(const std::string& path, std::string& name) {
     }
 
     if (!FileExists(path)) {
-        AddOutcome outcome = Failure(path + " is not a file that can be read");
-        outcome.dataFailed = true;
-        return outcome;
+        return DataFailure(path + " is not a file that can be read");
     }
     const std::uint64_t size = FileLength(path).value_or(0);
     const std::uint64_t sectors = SectorsForFile(size);
@@ -203,9 +209,7 @@ AddOutcome AddBatch::Add(const std::string& path, std::string& name) {
         error = data.close();
     }
     if (!error.empty()) {
-        AddOutcome outcome = Failure(error);
-        outcome.dataFailed = true;
-        return outcome;
+        return DataFailure(error);
     }
 
     AddOutcome outcome;

@@ -68,8 +68,10 @@ enum class AddResult { Added, Skipped, Replaced, Failed };
 struct AddOutcome {
     AddResult result = AddResult::Added;
     Status status = Status::Ok();
-    // Failed while copying the data (not while deciding or replacing).
-    bool dataFailed = false;
+    // Failed while copying the data (not while deciding or replacing): the
+    // directory file was then written from the rows as they stand, and this
+    // says how that went.
+    Status directoryAfterFailure = Status::Ok();
     // Replaced, but the directory file could not be written (status says why).
     bool directoryNotWritten = false;
     std::size_t row = 0; // Added or Replaced: the row
@@ -95,6 +97,8 @@ public:
 
 private:
     class NameIndex;
+    AddOutcome DataFailure(std::string error);
+
     Archive& archive_;
     bool scan_;
     DecideDuplicate decide_;

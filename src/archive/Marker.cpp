@@ -43,6 +43,7 @@ MarkerResult InsertMarker(Archive& archive, const std::string& markText) {
     if (added.result != AddResult::Added) {
         result.status = std::move(added.status);
         result.failed = MarkerResult::Failed::Data;
+        result.directoryAfterFailure = std::move(added.directoryAfterFailure);
         return result;
     }
     result.status = archive.WriteDirectory();

@@ -18,6 +18,8 @@ Status WriteMarkerFile(const std::string& markText);
 struct MarkerResult {
     Status status = Status::Ok();
     enum class Failed { Nothing, MarkerFile, Data, Directory } failed = Failed::Nothing;
+    // Data: how writing the directory file from the rows as they stand went.
+    Status directoryAfterFailure = Status::Ok();
 };
 // Writes the marker file anew (so the marker carries the current language),
 // appends it as one entry and writes the directory file.

@@ -118,11 +118,8 @@ int AddFiles(const Arguments& args) {
         } else {
             run.addFailure(outcome.status.error(), name);
         }
-        if (outcome.dataFailed) {
-            // Deliberate: the rows as they stand are written after a failed copy.
-            if (const Status written = run.archive().WriteDirectory(); !written.ok()) {
-                run.failure(written);
-            }
+        if (!outcome.directoryAfterFailure.ok()) {
+            run.failure(outcome.directoryAfterFailure);
         }
     }
     if (const Status written = batch.Finish(); !written.ok()) {

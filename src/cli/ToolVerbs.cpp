@@ -60,9 +60,8 @@ int MarkerVerb(const Arguments& args) {
     }
     if (result.failed == MarkerResult::Failed::Data) {
         PrintError(AddFailureText(settings, result.status.error(), std::string(MarkerName)));
-        // Deliberate: the rows as they stand are written after a failed copy.
-        if (const Status written = session.archive().WriteDirectory(); !written.ok()) {
-            PrintError(FileFailureText(settings, written.error()));
+        if (!result.directoryAfterFailure.ok()) {
+            PrintError(FileFailureText(settings, result.directoryAfterFailure.error()));
         }
     } else {
         PrintError(FileFailureText(settings, result.status.error()));

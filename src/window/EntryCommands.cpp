@@ -316,9 +316,8 @@ bool EntryCommands::ReportAdded(const AddOutcome& outcome, const std::string& na
     } else {
         ReportAddFailure(outcome.status.error(), name);
     }
-    if (outcome.dataFailed) {
-        // Deliberate: the rows as they stand are written after a failed copy.
-        editor_.WriteDirectory();
+    if (!outcome.directoryAfterFailure.ok()) {
+        ShowError(outcome.directoryAfterFailure.error());
     }
     return true;
 }
@@ -595,8 +594,9 @@ bool EntryCommands::InsertMarker() {
         return false;
     case MarkerResult::Failed::Data:
         ReportAddFailure(result.status.error(), std::string(MarkerName));
-        // Deliberate: the rows as they stand are written after a failed copy.
-        editor_.WriteDirectory();
+        if (!result.directoryAfterFailure.ok()) {
+            ShowError(result.directoryAfterFailure.error());
+        }
         return false;
     case MarkerResult::Failed::Directory:
     case MarkerResult::Failed::Nothing:

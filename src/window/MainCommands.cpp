@@ -1,9 +1,9 @@
 #include "window/MainCommands.h"
 
-#include "window/EntryCommands.h"
 #include "archive/Marker.h"
 #include "archive/Names.h"
 #include "platform/Folders.h"
+#include "window/EntryCommands.h"
 #include "window/LanguageMenu.h"
 #include "window/ListColumns.h"
 #include "window/MenuTree.h"
