@@ -25,7 +25,6 @@ TEST(CliFind, PrintsOneLinePerMatchAndExitCodes) {
     const Case cases[] = {
         {{"find", Demo, "generic", "--type", "txd"}, 0, "12\tgeneric.txd\n38\tGENERIC.TXD\n"},
         {{"find", "--type=col", w, ""}, 0, "1\tcaf\xC3\xA9.col\n"}, // names leave as UTF-8
-        {{"find", Demo, "***"}, 0, ""},
         {{"find", Demo, "a", "--type", "wav"}, 1, ""},
         {{"find", Demo}, 2, ""},
         {{"find", (folder / "none.img").string(), "a"}, 1, ""},

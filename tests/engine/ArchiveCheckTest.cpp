@@ -19,18 +19,14 @@ TEST(DuplicatePairs, MatchesThePairwiseComparison) {
         EntryTable table;
         std::vector<Entry> rows;
         const std::size_t n = random() % 25;
-        for (std::size_t i = 0; i < n; ++i) {
+        for (std::size_t i = 0; i < n; ++i)
             rows.push_back({0, 1, pool[random() % pool.size()], false});
-        }
         table.assign(rows);
         std::vector<std::string> pairwise;
-        for (std::size_t i = 0; i < n; ++i) {
-            for (std::size_t j = i + 1; j < n; ++j) {
-                if (rows[i].name != MarkerName && rows[j].name == rows[i].name) {
+        for (std::size_t i = 0; i < n; ++i)
+            for (std::size_t j = i + 1; j < n; ++j)
+                if (rows[i].name != MarkerName && rows[j].name == rows[i].name)
                     pairwise.push_back(rows[i].name);
-                }
-            }
-        }
         std::vector<std::size_t> seen;
         EXPECT_EQ(DuplicatePairs(table, [&](std::size_t row, std::size_t) { seen.push_back(row); }),
                   pairwise);
@@ -38,20 +34,7 @@ TEST(DuplicatePairs, MatchesThePairwiseComparison) {
     }
 }
 
-class CheckCommandTest : public test::EditorHarness {
-protected:
-    void open(const std::vector<std::string>& names) {
-        std::vector<DirRecord> records;
-        for (std::uint32_t i = 0; i < names.size(); ++i) {
-            records.push_back({i, 1, names[i]});
-        }
-        openArchive("check.img", records, names.size() * SectorSize);
-        desktop.clipboard = "before";
-    }
-    std::string question() const {
-        return "ask " + text("menub8") + "?: " + text("aCheck1") + "\n" + text("rebuild2");
-    }
-};
+using CheckCommandTest = test::EditorHarness;
 
 TEST_F(CheckCommandTest, ShowsAndCopiesOnlyWhatItFound) {
     const std::string report =
@@ -59,28 +42,36 @@ TEST_F(CheckCommandTest, ShowsAndCopiesOnlyWhatItFound) {
     const std::string progress = "status: " + text("aCheck4");
     const std::string shown = "message(Information) " + text("aCheck6") + ": ";
     const std::string done = "status: " + text("aCheck6");
+    const std::string question =
+        "ask " + text("menub8") + "?: " + text("aCheck1") + "\n" + text("rebuild2");
     const struct {
-        std::vector<std::string> names;
+        std::vector<DirRecord> rows;
         const char* answer;
         std::string clipboard;
         std::vector<std::string> after; // the question's answer
     } cases[] = {
-        {{"abc.dff", "x.txd", "abc.dff", "x.txd", "caf\xE9.col", "caf\xE9.col"},
+        {{{0, 1, "abc.dff"},
+          {0, 1, "x.txd"},
+          {0, 1, "abc.dff"},
+          {0, 1, "x.txd"},
+          {0, 1, "caf\xE9.col"},
+          {0, 1, "caf\xE9.col"}},
          "yes",
          report,
          {progress + " 1/6", progress + " 6/6", shown + report + "\n" + text("aCheck3"), done}},
-        {{"abc.dff", "ABC.DFF"},
+        {{{0, 1, "abc.dff"}, {0, 1, "ABC.DFF"}},
          "yes",
          "before",
          {progress + " 1/2", progress + " 2/2", shown + text("aCheck5"), done}},
-        {{"a.dff", "a.dff"}, "no", "before", {done}},
+        {{{0, 1, "a.dff"}, {0, 1, "a.dff"}}, "no", "before", {done}},
     };
     for (const auto& c : cases) {
-        open(c.names);
+        openArchive("check.img", c.rows, SectorSize);
+        desktop.clipboard = "before";
         desktop.answer({c.answer});
         CheckArchiveAsking(editor);
         EXPECT_EQ(desktop.clipboard, c.clipboard);
-        std::vector<std::string> expected = {question() + " -> " + c.answer};
+        std::vector<std::string> expected = {question + " -> " + c.answer};
         expected.insert(expected.end(), c.after.begin(), c.after.end());
         EXPECT_EQ(desktop.conversation, expected);
     }

@@ -7,7 +7,6 @@
 #include "EditorHarness.h"
 #include "ScriptedEntryDialogs.h"
 
-#include <algorithm>
 #include <set>
 
 namespace korvel {
@@ -49,13 +48,6 @@ protected:
     RecordingWindow window;
     std::vector<MenuCommand> table =
         BuildCommandTable({editor, main, entries, quickReplace, window});
-
-    void run(std::string_view item) {
-        const auto found = std::find_if(table.begin(), table.end(),
-                                        [&](const MenuCommand& c) { return c.item == item; });
-        ASSERT_NE(found, table.end()) << item;
-        found->run();
-    }
 };
 
 TEST_F(CommandTableTest, EveryMenuItemHasExactlyOneCommandAndEveryCommandAnItem) {
@@ -65,18 +57,14 @@ TEST_F(CommandTableTest, EveryMenuItemHasExactlyOneCommandAndEveryCommandAnItem)
         EXPECT_TRUE(command.run) << command.item;
         bound.insert(command.item);
     }
-    for (const std::string& item : items)
-        EXPECT_EQ(bound.count(item), 1u) << item;
-    for (const std::string& item : bound)
-        EXPECT_NE(std::find(items.begin(), items.end(), item), items.end()) << item;
+    EXPECT_EQ(bound, std::multiset<std::string>(items.begin(), items.end()));
     // recent1..3 and lang1..7 are items too, not just the fixed commands.
-    EXPECT_EQ(bound.count("recent3"), 1u);
-    EXPECT_EQ(bound.count("lang7"), 1u);
+    EXPECT_EQ(bound.count("recent3") + bound.count("lang7"), 2u);
 }
 
 TEST_F(CommandTableTest, WindowOnlyItemsReachTheirWindowCommand) {
     openArchive("a.img", {{0, 1, "car.dff"}, {1, 1, "car.txd"}}, 2 * 2048);
-    const std::vector<std::pair<std::string_view, std::string>> cases = {
+    const std::pair<std::string_view, std::string> cases[] = {
         {"FileExit", "close"},
         {"HelpAbout", "about"},
         {"EditFind", "find"},
@@ -87,7 +75,9 @@ TEST_F(CommandTableTest, WindowOnlyItemsReachTheirWindowCommand) {
     };
     for (const auto& [item, expected] : cases) {
         window.ran.clear();
-        run(item);
+        for (const MenuCommand& command : table)
+            if (command.item == item)
+                command.run();
         EXPECT_EQ(window.ran, std::vector<std::string>{expected}) << item;
     }
 }

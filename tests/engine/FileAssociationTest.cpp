@@ -3,12 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-
 namespace korvel {
 namespace {
-
-namespace fs = std::filesystem;
 
 TEST(FileAssociation, RegistryValuesAreTheFourDesignedOnes) {
     const auto values = RegistryValues("C:\\Program Files\\Ed", "Edit");
@@ -56,27 +52,6 @@ TEST(FileAssociation, MimeAppsKeepsOtherLinesAndReplacesOurs) {
         EXPECT_EQ(once, c.after) << c.before;
         EXPECT_EQ(MimeAppsWithKorvel(once), once) << "a second run changes nothing";
     }
-}
-
-TEST(FileAssociation, RegistersForTheUserInTheirOwnFolders) {
-    test::TestFolder folder;
-    const std::string oldHome = std::getenv("HOME") ? std::getenv("HOME") : "";
-    setenv("HOME", folder.path().c_str(), 1);
-    unsetenv("XDG_DATA_HOME");
-    unsetenv("XDG_CONFIG_HOME");
-
-    EXPECT_EQ(RegisterFileAssociation(), "");
-    const fs::path data = folder / ".local/share";
-    const std::string entry = test::ReadBytes(data / "applications/korvel.desktop");
-    EXPECT_NE(entry.find("Exec="), std::string::npos);
-    EXPECT_NE(entry.find(" %f\n"), std::string::npos);
-    EXPECT_EQ(test::ReadBytes(data / "mime/packages/korvel-img.xml"), MimePackageText());
-    const std::string apps = test::ReadBytes(folder / ".config/mimeapps.list");
-    EXPECT_EQ(apps, "[Default Applications]\napplication/x-gta-img=korvel.desktop\n");
-    EXPECT_EQ(RegisterFileAssociation(), "");
-    EXPECT_EQ(test::ReadBytes(folder / ".config/mimeapps.list"), apps);
-
-    setenv("HOME", oldHome.c_str(), 1);
 }
 
 // The MIME package we install and the one we write for the user must agree.

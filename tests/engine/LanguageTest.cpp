@@ -18,28 +18,12 @@ namespace {
 
 using test::TestFolder;
 
-struct LanguageFixture : ::testing::Test {
+TEST(LanguageMenu, SlotsFillInFileOrderAndCheckTheSettingIgnoringCase) {
     TestFolder folder;
     Settings settings{folder / "korvel.ini", folder / "lang.ini"};
-    MenuState menu;
-
-    LanguageFixture() {
-        settings.EnsureSettingsFile();
-        SeedMenuState(menu);
-    }
-    std::vector<std::string> visibleSlots() const {
-        std::vector<std::string> shown;
-        for (int slot = 1; slot <= LanguageSlotCount; ++slot) {
-            if (menu.isVisible(LanguageSlotName(slot)))
-                shown.push_back(menu.caption(LanguageSlotName(slot)));
-        }
-        return shown;
-    }
-};
-
-TEST_F(LanguageFixture, SlotsFillInFileOrderAndCheckTheSettingIgnoringCase) {
+    settings.EnsureSettingsFile();
     struct Case {
-        std::string file; // empty: no lang.ini at all
+        std::string file;
         std::string language;
         std::vector<std::string> slots;
         std::string checked; // empty: none
@@ -56,23 +40,21 @@ TEST_F(LanguageFixture, SlotsFillInFileOrderAndCheckTheSettingIgnoringCase) {
          ""},
         {"just=text\nno sections here\n", "english", {"lang1"}, ""},
         {"[lang1]\n[second]\n[third]\n", "third", {"second", "third"}, "lang2"},
-        {"", "english", {"lang1"}, ""},
     };
     for (const Case& c : cases) {
-        MenuState fresh;
-        SeedMenuState(fresh);
-        menu = fresh;
-        if (c.file.empty())
-            std::filesystem::remove(folder / "lang.ini");
-        else
-            test::WriteBytes(folder / "lang.ini", c.file);
+        MenuState menu;
+        SeedMenuState(menu);
+        test::WriteBytes(folder / "lang.ini", c.file);
         settings.WriteSetting(c.language, "language");
         BuildLanguageMenu(menu, settings);
-        EXPECT_EQ(visibleSlots(), c.slots) << c.file;
+        std::vector<std::string> shown;
         for (int slot = 1; slot <= LanguageSlotCount; ++slot) {
             const std::string name = LanguageSlotName(slot);
+            if (menu.isVisible(name))
+                shown.push_back(menu.caption(name));
             EXPECT_EQ(menu.isChecked(name), name == c.checked) << c.file << " " << name;
         }
+        EXPECT_EQ(shown, c.slots) << c.file;
     }
 }
 
@@ -80,12 +62,10 @@ TEST_F(LanguageFixture, SlotsFillInFileOrderAndCheckTheSettingIgnoringCase) {
 std::map<std::string, std::set<std::string>> ShippedKeys() {
     std::map<std::string, std::set<std::string>> sections;
     std::ifstream in(KORVEL_LANG_INI, std::ios::binary);
-    std::string line;
-    std::string section;
+    std::string line, section;
     while (std::getline(in, line)) {
-        if (!line.empty() && line.back() == '\r') {
+        if (line.ends_with('\r'))
             line.pop_back();
-        }
         if (IsSectionLine(line)) {
             section = SectionNameOf(line);
             sections[section];
@@ -103,9 +83,8 @@ std::set<std::string> KeysNamedInSources(const std::set<std::string>& anyShipped
     std::set<std::string> keys;
     for (const auto& file : std::filesystem::recursive_directory_iterator(
              std::filesystem::path(KORVEL_SOURCE_DIR) / "src")) {
-        std::ifstream in(file.path(), std::ios::binary);
         std::stringstream text;
-        text << in.rdbuf();
+        text << std::ifstream(file.path(), std::ios::binary).rdbuf();
         const std::string source = text.str();
         for (std::sregex_iterator word(source.begin(), source.end(), literal), end; word != end;
              ++word) {

