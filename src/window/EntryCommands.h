@@ -1,4 +1,5 @@
-// The menu commands that work on entries. Each gathers the selection, the
+// The menu commands that work on entries (one file per family:
+// EntryCommands*.cpp). Each gathers the selection, the
 // settings and the person's answers through the Desktop and the
 // EntryDialogs, calls the operation (archive/EntryOperations.h) and tells the
 // person how it went. Rows are 0-based here.
@@ -79,6 +80,7 @@ public:
     bool InsertMarker();
 
 private:
+    static std::string FolderWithSeparator(const std::string& path);
     std::vector<std::size_t> SelectedRows() const;
     std::size_t ExtractSelected(ExtractMode firstMode);
     std::vector<std::string> AddDialog();
