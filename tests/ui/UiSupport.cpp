@@ -38,6 +38,29 @@ std::vector<std::string> WindowEnv::shownNames() const {
     return names;
 }
 
+QList<int> WindowEnv::selectedRows() const {
+    QList<int> rows;
+    const auto& table = window->editor().table();
+    for (std::size_t row = 0; row < table.size(); ++row) {
+        if (table[row].selected) {
+            rows << static_cast<int>(row) + 1;
+        }
+    }
+    return rows;
+}
+
+void WindowEnv::recordEntryCommands() {
+    for (const char* command : {"EditView", "EditExtract", "EditQuick"}) {
+        window->setCommand(command, [this, command] {
+            QStringList rows;
+            for (int row : selectedRows()) {
+                rows << QString::number(row);
+            }
+            ran << QString::fromLatin1(command) + ":" + rows.join(',');
+        });
+    }
+}
+
 std::shared_ptr<bool> AnswerNextModal(std::function<void(QWidget*)> answer) {
     auto done = std::make_shared<bool>(false);
     auto* timer = new QTimer(qApp);
