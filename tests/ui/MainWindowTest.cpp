@@ -3,11 +3,9 @@
 // and the list drawing, selecting and reporting changes row by row.
 #include "UiSupport.h"
 
-#include "ui/AboutBox.h"
 #include "ui/ArchiveView.h"
 #include "ui/EntryModel.h"
 
-#include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
 #include <QSignalSpy>
@@ -44,11 +42,9 @@ class MainWindowTest : public QObject {
 private slots:
     void init() {
         env = std::make_unique<korvel::test::WindowEnv>();
-        for (const auto& [value, key] : {std::pair{"False", "rebuildPrompt"},
-                                         {"False", "showGrid"},
-                                         {"False", "showColors"},
-                                         {"10", "l1r"}})
-            env->settings.WriteSetting(value, key);
+        for (const char* key : {"rebuildPrompt", "showGrid", "showColors"})
+            env->settings.WriteSetting("False", key);
+        env->settings.WriteSetting("10", "l1r");
         path = env->archive("a&b.img", {"a.dff", "b.txd", "c.dff", "d.col"});
         w = &env->start(path);
         view = w->archiveView();
@@ -56,8 +52,7 @@ private slots:
     void cleanup() { env.reset(); }
     void menuBarFollowsTheMenuTree();
     void everyItemRunsItsCommandAndTheEngineKeepsTheChecks();
-    void menuStateIsMirroredIntoTheActions();
-    void gridAndStripesAreDrawn();
+    void menuStateIsMirroredIntoTheActionsAndTheList();
     void selectionIsOneTruthAndTheMouseAndEnterReachTheCommands();
     void oneRowChangeNotifiesOneRow();
 };
@@ -79,13 +74,6 @@ void MainWindowTest::menuBarFollowsTheMenuTree() {
         "-sexySpacerNo5 OptAss} "
         "MenuHelp{HelpHome HelpCheckWeb -drfsdfsdf HelpHelp[F12] HelpAbout}";
     QCOMPARE(Describe(w->menuBar()->actions()), expected);
-    // The box behind HelpAbout names the product, its version and licence.
-    korvel::ui::AboutBox about(QString(), nullptr);
-    QString shown;
-    for (QLabel* label : about.findChildren<QLabel*>())
-        shown += label->text();
-    for (const char* part : {"Korvel", "1.0", "MIT"})
-        QVERIFY2(shown.contains(part), part);
 }
 
 void MainWindowTest::everyItemRunsItsCommandAndTheEngineKeepsTheChecks() {
@@ -93,13 +81,11 @@ void MainWindowTest::everyItemRunsItsCommandAndTheEngineKeepsTheChecks() {
     for (const std::string& item : korvel::CommandItemNames()) {
         const QString name = QString::fromStdString(item);
         w->setCommand(name, [&ran, name] { ran << name; });
-    }
-    for (const std::string& item : korvel::CommandItemNames()) {
         QAction* action = env->action(item.c_str());
         QVERIFY2(action != nullptr, item.c_str());
         action->setEnabled(true);
         action->trigger();
-        expected << QString::fromStdString(item);
+        expected << name;
         // Qt flips a checkable item before its command runs; the engine's
         // check wins, here where the command changed nothing.
         QCOMPARE(action->isChecked(), w->editor().menu().isChecked(item));
@@ -107,25 +93,22 @@ void MainWindowTest::everyItemRunsItsCommandAndTheEngineKeepsTheChecks() {
     QCOMPARE(ran, expected);
 }
 
-void MainWindowTest::menuStateIsMirroredIntoTheActions() {
+void MainWindowTest::menuStateIsMirroredIntoTheActionsAndTheList() {
     QVERIFY(env->action("recent1")->isChecked());
     // A path is plain text: its ampersand is no mnemonic.
     QCOMPARE(env->action("recent1")->text(), QString::fromStdString(path).replace('&', "&&"));
-    env->action("FileClose")->trigger();
-    QVERIFY(!env->action("FileClose")->isEnabled());
-    env->action("lang2")->trigger();
-    QCOMPARE(env->action("FileOpen")->text(), env->text("menua3"));
-    QCOMPARE(w->model()->headerData(0, Qt::Horizontal, Qt::DisplayRole).toString(),
-             env->text("head1"));
-}
-
-void MainWindowTest::gridAndStripesAreDrawn() {
     QVERIFY(!view->showGrid() && !view->alternatingRowColors());
     env->action("OptGrid")->trigger();
     env->action("OptCols")->trigger();
     QVERIFY(view->showGrid() && view->alternatingRowColors());
     QCOMPARE(view->palette().color(QPalette::Base), QColor(10, 233, 233));
     QCOMPARE(view->palette().color(QPalette::AlternateBase), QColor(255, 255, 255));
+    env->action("FileClose")->trigger();
+    QVERIFY(!env->action("FileClose")->isEnabled());
+    env->action("lang2")->trigger();
+    QCOMPARE(env->action("FileOpen")->text(), env->text("menua3"));
+    QCOMPARE(w->model()->headerData(0, Qt::Horizontal, Qt::DisplayRole).toString(),
+             env->text("head1"));
 }
 
 void MainWindowTest::selectionIsOneTruthAndTheMouseAndEnterReachTheCommands() {
@@ -161,9 +144,7 @@ void MainWindowTest::oneRowChangeNotifiesOneRow() {
     w->editor().AssignTypeIcons();
     table.remove(1);
     table.setSelected(3, true);
-    table.setSelected(3, true); // no change, no signal
-    QCOMPARE(env->shownNames(),
-             (std::vector<std::string>{"renamed.dff", "c.dff", "d.col", "new.txd"}));
+    table.setSelected(3, true);                   // no change, no signal
     table.removeWhere({true, true, false, true}); // two runs, removed from the back
     QStringList spans;
     for (const auto& s : removed)
