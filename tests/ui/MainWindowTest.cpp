@@ -82,7 +82,6 @@ void MainWindowTest::everyItemRunsItsCommandAndTheEngineKeepsTheChecks() {
         const QString name = QString::fromStdString(item);
         w->setCommand(name, [&ran, name] { ran << name; });
         QAction* action = env->action(item.c_str());
-        QVERIFY2(action != nullptr, item.c_str());
         action->setEnabled(true);
         action->trigger();
         expected << name;

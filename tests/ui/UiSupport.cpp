@@ -57,13 +57,12 @@ std::shared_ptr<bool> AnswerNextModal(std::function<void(QWidget*)> answer) {
     timer->setInterval(5);
     QObject::connect(timer, &QTimer::timeout, [timer, answer, done] {
         QWidget* modal = QApplication::activeModalWidget();
-        if (modal == nullptr || !modal->isVisible()) {
-            return;
+        if (modal != nullptr && modal->isVisible()) {
+            timer->stop();
+            timer->deleteLater();
+            *done = true;
+            answer(modal);
         }
-        timer->stop();
-        timer->deleteLater();
-        *done = true;
-        answer(modal);
     });
     timer->start();
     return done;
