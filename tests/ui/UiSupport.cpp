@@ -5,11 +5,9 @@
 
 namespace korvel::test {
 
-WindowEnv::WindowEnv(bool firstRun) : settings(SettingsFilePath(), LanguageFilePath()) {
+WindowEnv::WindowEnv() : settings(SettingsFilePath(), LanguageFilePath()) {
     settings.EnsureSettingsFile();
-    if (!firstRun) {
-        settings.WriteSetting("False", "firstRun");
-    }
+    settings.WriteSetting("False", "firstRun");
     window = std::make_unique<ui::MainWindow>(settings);
 }
 
@@ -21,21 +19,36 @@ ui::MainWindow& WindowEnv::start(const std::string& commandLine) {
 
 std::string WindowEnv::archive(const std::string& name, const std::vector<std::string>& entries) {
     std::vector<DirRecord> records;
-    std::uint32_t sector = 0;
-    for (const std::string& entry : entries) {
-        records.push_back({sector++, 1, entry});
-    }
+    for (const std::string& entry : entries)
+        records.push_back({static_cast<std::uint32_t>(records.size()), 1, entry});
     WriteArchive(folder / name, records, SectorSize * entries.size());
     return (folder / name).string();
 }
 
 std::vector<std::string> WindowEnv::shownNames() const {
     std::vector<std::string> names;
-    const ui::EntryModel* model = window->model();
-    for (int row = 0; row < model->rowCount(); ++row) {
-        names.push_back(model->index(row, 0).data().toString().toStdString());
-    }
+    for (int row = 0; row < window->model()->rowCount(); ++row)
+        names.push_back(window->model()->index(row, 0).data().toString().toStdString());
     return names;
+}
+
+QList<int> WindowEnv::selectedRows() const {
+    QList<int> rows;
+    for (std::size_t row = 0; row < window->editor().table().size(); ++row)
+        if (window->editor().table()[row].selected)
+            rows << static_cast<int>(row) + 1;
+    return rows;
+}
+
+void WindowEnv::recordEntryCommands() {
+    for (const char* command : {"EditView", "EditExtract", "EditQuick"}) {
+        window->setCommand(command, [this, command] {
+            QStringList rows;
+            for (int row : selectedRows())
+                rows << QString::number(row);
+            ran << QString::fromLatin1(command) + ":" + rows.join(',');
+        });
+    }
 }
 
 std::shared_ptr<bool> AnswerNextModal(std::function<void(QWidget*)> answer) {
@@ -44,13 +57,12 @@ std::shared_ptr<bool> AnswerNextModal(std::function<void(QWidget*)> answer) {
     timer->setInterval(5);
     QObject::connect(timer, &QTimer::timeout, [timer, answer, done] {
         QWidget* modal = QApplication::activeModalWidget();
-        if (modal == nullptr || !modal->isVisible()) {
-            return;
+        if (modal != nullptr && modal->isVisible()) {
+            timer->stop();
+            timer->deleteLater();
+            *done = true;
+            answer(modal);
         }
-        timer->stop();
-        timer->deleteLater();
-        *done = true;
-        answer(modal);
     });
     timer->start();
     return done;
