@@ -43,8 +43,8 @@ void Click(QWidget* parent, const QString& name) {
 }
 
 // "control=key ..." against lang.ini; "title" is the window's own caption.
-void ExpectCaptions(const korvel::test::WindowEnv& env, QWidget* parent, const QString& spec) {
-    for (const QString& caption : spec.split(' ')) {
+void ExpectCaptions(const korvel::test::WindowEnv& env, QWidget* parent, const QString& wanted) {
+    for (const QString& caption : wanted.split(' ')) {
         const QString name = caption.section('=', 0, 0);
         const QString shown = name == "title"
                                   ? parent->windowTitle().mid(1)
