@@ -102,18 +102,17 @@ TEST_F(QuickReplaceTest, TheFolderConversationAndTheFewSelectedCases) {
 }
 
 TEST_F(QuickReplaceTest, AFailedReplacementIsReportedAndStopsTheRun) {
-    // c.dff must now be appended, which the full disk refuses after a.dff is done.
-    input("C.DFF", Pattern(3000, 'x'));
-    qrDialogs.answers = {MissingFileOption::Skip};
+    // b.dff must now be appended, which the full disk refuses: a.dff stays done, c.dff untried.
+    input("b.dff", Pattern(3000, 'x'));
     const std::string before = imgBytes();
     const FileSizeLimit full(4 * SectorSize);
     const QuickReplaceCounts counts = quick.ReplaceSelectedFromFolder(in());
     EXPECT_TRUE(!counts.status.ok() && counts.replaced == 1u);
     ASSERT_EQ(desktop.said("message(Exclamation)").size(), 1u);
-    EXPECT_NE(desktop.said("message(Exclamation)")[0].find("c.dff"), std::string::npos);
+    EXPECT_NE(desktop.said("message(Exclamation)")[0].find("b.dff"), std::string::npos);
     EXPECT_TRUE(imgBytes() == std::string("new a") + '\0' + before.substr(6));
     EXPECT_EQ(records(), tableRecords());
-    EXPECT_EQ(desktop.status, summary(1, 2));
+    EXPECT_EQ(desktop.status, summary(1, 0));
     EXPECT_EQ(editor.table().selectedCount(), 0u);
 }
 
