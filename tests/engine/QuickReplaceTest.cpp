@@ -2,21 +2,15 @@
 #include "window/QuickReplaceCommand.h"
 
 namespace korvel::test {
-namespace {
 
-// `qrMissing` answering with queued options; nothing means closed by its frame.
-class ScriptedQuickReplaceDialogs : public QuickReplaceDialogs {
-public:
+// `qrMissing` answering with queued options (nothing: closed by its frame).
+struct ScriptedQuickReplaceDialogs : QuickReplaceDialogs {
     std::deque<std::optional<MissingFileOption>> answers;
-    std::vector<std::string> shown; // "NAME @ FOLDER"
-
-    std::optional<MissingFileOption> QrMissing(const std::string& entryName,
+    std::vector<std::string> shown;
+    std::optional<MissingFileOption> QrMissing(const std::string& name,
                                                const std::string& folder) override {
-        if (answers.empty()) {
-            throw std::logic_error("qrMissing shown without an answer for " + entryName);
-        }
-        shown.push_back(entryName + " @ " + folder);
-        const auto answer = answers.front();
+        shown.push_back(name + " @ " + folder);
+        const auto answer = answers.at(0); // shown without an answer: the test throws
         answers.pop_front();
         return answer;
     }
@@ -24,21 +18,18 @@ public:
 
 class QuickReplaceTest : public EntryFixture {
 protected:
-    QuickReplaceTest() : quick(editor, commands, qrDialogs) {}
-
-    // a.dff and c.dff have files in "in" (c.dff in other letter case),
-    // b.dff has none; the marker never looks for one.
-    void openFour() {
+    // "in" holds a.dff and C.DFF, "in2" b.dff and c.dff; the marker never looks for a file.
+    QuickReplaceTest() : quick(editor, commands, qrDialogs) {
         open({{0, 1, "a.dff"}, {1, 1, "b.dff"}, {2, 1, std::string(MarkerName)}, {3, 1, "c.dff"}},
              4 * SectorSize);
         input("a.dff", "new a");
         input("C.DFF", "new c");
+        std::filesystem::create_directories(folder / "in2");
+        WriteBytes(folder / "in2" / "b.dff", "in2 b");
+        WriteBytes(folder / "in2" / "c.dff", "in2 c");
         editor.table().selectAll();
     }
     std::string in() const { return (folder / "in").string(); }
-    std::string sectorText(std::uint32_t sector, std::size_t n) const {
-        return imgBytes().substr(sector * SectorSize, n);
-    }
     std::string summary(int replaced, int skipped) const {
         return std::to_string(replaced) + " " + text("filesRep") + ", " + std::to_string(skipped) +
                " " + text("filesSkip");
@@ -49,146 +40,80 @@ protected:
 };
 
 TEST_F(QuickReplaceTest, EachChoiceForAMissingFile) {
-    struct Case {
-        const char* what;
-        const char* stored;                      // qrSetting before; after it is the answer's
-        std::optional<MissingFileOption> answer; // qrMissing
-        std::vector<std::string> desktopAnswers; // after the first folder picker
-        int replaced, skipped;
-        std::string bText; // b.dff's first bytes afterwards ("" = untouched)
-        std::string cText;
-        std::string lastQR; // "" = the "in" folder
-    };
-    const std::string in2 = (folder / "in2").string();
-    constexpr auto Skip = MissingFileOption::Skip,
-                   Separately = MissingFileOption::ReplaceSeparately,
-                   NewLocation = MissingFileOption::NewLocation;
-    const Case cases[] = {
-        {"skip", "3", Skip, {}, 2, 2, "", "new c", ""},
-        {"closed by its frame keeps the stored choice",
-         "2",
-         {},
-         {"FILE"},
-         3,
-         1,
-         "picked b",
-         "new c",
-         ""},
-        {"separately", "1", Separately, {"FILE"}, 3, 1, "picked b", "new c", ""},
-        {"separately but cancelled still counts", "1", Separately, {Cancel}, 3, 1, "", "new c", ""},
-        // The new folder holds b.dff and its own c.dff: c comes from there too.
-        {"new folder", "1", NewLocation, {in2}, 3, 1, "in2 b", "in2 c", in2},
-        {"new folder cancelled skips", "1", NewLocation, {Cancel}, 2, 2, "", "new c", ""},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
-        openFour();
-        std::filesystem::create_directories(folder / "in2");
-        WriteBytes(folder / "in2" / "b.dff", "in2 b");
-        WriteBytes(folder / "in2" / "c.dff", "in2 c");
-        const std::string picked = input("picked.dff", "picked b");
-        settings.WriteSetting(c.stored, "qrSetting");
+    const std::string in2 = (folder / "in2").string(), picked = input("picked.dff", "picked b");
+    using enum MissingFileOption;
+    // qrSetting before, qrMissing's answer (nothing: closed by its frame), the next picker's
+    // answer, rows replaced (the rest skipped), b.dff's and c.dff's bytes; b.dff kept first.
+    const std::tuple<const char*, std::optional<MissingFileOption>, std::string, int, std::string,
+                     std::string>
+        cases[] = {
+            {"3", Skip, "", 2, "bbbbbbbb", "new c"},
+            {"1", ReplaceSeparately, Cancel, 3, "bbbbbbbb", "new c"}, // still counted
+            {"1", NewLocation, Cancel, 2, "bbbbbbbb", "new c"},
+            {"2", {}, picked, 3, "picked b", "new c"}, // the stored choice: separately
+            {"1", ReplaceSeparately, picked, 3, "picked b", "new c"},
+            {"1", NewLocation, in2, 3, "in2 b", "in2 c"}, // c.dff comes from there too
+        };
+    for (const auto& [stored, answer, pick, replaced, b, c] : cases) {
+        SCOPED_TRACE(std::string(stored) + " " + pick);
+        editor.table().selectAll();
+        settings.WriteSetting(stored, "qrSetting");
         settings.WriteSetting("none", "lastQR");
-        qrDialogs.answers = {c.answer};
-        desktop.answers.clear();
-        desktop.answer({in()});
-        for (const std::string& a : c.desktopAnswers) {
-            desktop.answer({a == "FILE" ? picked : a});
-        }
-        const std::string before = imgBytes();
+        qrDialogs.answers = {answer};
+        desktop.answers = {in(), pick};
 
         quick.QuickReplaceSelected();
 
-        EXPECT_TRUE(desktop.answers.empty());
-        ASSERT_EQ(qrDialogs.shown.size(), 1u);
-        EXPECT_EQ(qrDialogs.shown.back(), "b.dff @ " + in());
-        qrDialogs.shown.clear();
-        EXPECT_EQ(sectorText(0, 6), std::string("new a") + '\0');
-        if (c.bText.empty()) {
-            EXPECT_EQ(sectorText(1, SectorSize), before.substr(SectorSize, SectorSize));
-        } else {
-            EXPECT_EQ(sectorText(1, c.bText.size() + 1), c.bText + '\0');
-        }
-        EXPECT_EQ(sectorText(2, 8), before.substr(2 * SectorSize, 8)); // the marker
-        EXPECT_EQ(sectorText(3, 5), c.cText);
-        EXPECT_EQ(desktop.status, summary(c.replaced, c.skipped));
-        EXPECT_EQ(settings.ReadSetting("lastQR"), c.lastQR.empty() ? in() : c.lastQR);
-        EXPECT_EQ(editor.table().selectedCount(), 0u);
-        EXPECT_EQ(records(), tableRecords());
-        if (c.answer) {
-            EXPECT_EQ(StoredMissingFileOption(settings), c.answer);
-        } else {
-            EXPECT_EQ(settings.ReadSetting("qrSetting"), c.stored);
-        }
+        EXPECT_EQ(imgBytes().substr(SectorSize, b.size()), b);
+        EXPECT_EQ(imgBytes().substr(3 * SectorSize, 5), c);
+        EXPECT_EQ(desktop.status, summary(replaced, 4 - replaced));
+        EXPECT_EQ(settings.ReadSetting("lastQR"), pick == in2 ? in2 : in());
+        EXPECT_EQ(StoredMissingFileOption(settings), answer ? answer : ReplaceSeparately);
     }
+    EXPECT_EQ(qrDialogs.shown, std::vector<std::string>(std::size(cases), "b.dff @ " + in()));
 }
 
-TEST_F(QuickReplaceTest, FolderChoiceAndTheFewSelectedCases) {
-    openFour();
-    // Nothing selected.
+TEST_F(QuickReplaceTest, TheFolderConversationAndTheFewSelectedCases) {
     editor.table().clearSelection();
     quick.QuickReplaceSelected();
-    EXPECT_EQ(desktop.conversation, std::vector<std::string>{"status: " + text("noneSel")});
-
-    // One row: the replace command's file dialog for that row.
-    desktop.conversation.clear();
-    select({3});
+    select({3}); // one row: the replace command's file dialog for that row
     desktop.answer({Cancel});
     quick.QuickReplaceSelected();
-    ASSERT_EQ(desktop.conversation.size(), 3u);
-    EXPECT_EQ(desktop.conversation[0], "status: " + text("oneSel"));
-    EXPECT_EQ(desktop.conversation[1].rfind("open " + text("rep1"), 0), 0u);
-    EXPECT_EQ(desktop.status, text("rep3"));
-
-    // Picker cancelled: nothing changes, lastQR keeps its value.
-    const std::string before = imgBytes();
     editor.table().selectAll();
-    desktop.answer({Cancel});
-    quick.QuickReplaceSelected();
-    EXPECT_EQ(desktop.status, text("cancelQR"));
-    EXPECT_EQ(settings.ReadSetting("lastQR"), "none");
-    EXPECT_EQ(imgBytes(), before);
-
-    // A remembered folder is offered; Yes takes it without the picker.
-    settings.WriteSetting(in(), "lastQR");
+    settings.WriteSetting(in(), "lastQR"); // offered: Yes takes it, No shows the picker
     qrDialogs.answers = {MissingFileOption::Skip};
-    desktop.conversation.clear();
-    desktop.answer({"yes"});
+    desktop.answer({"yes", "no", Cancel});
     quick.QuickReplaceSelected();
-    EXPECT_EQ(desktop.conversation.front(),
-              "ask " + text("qrPickPath") + ": " + text("useLastQR") + "\r\n" + in() + " -> yes");
-    EXPECT_EQ(desktop.status, summary(2, 2));
-
-    // No shows the picker, and cancelling it there ends the command too.
     editor.table().selectAll();
-    desktop.answer({"no", Cancel});
     quick.QuickReplaceSelected();
-    EXPECT_EQ(desktop.said("folder").back(), "folder " + text("repFrom") + " -> " + Cancel);
-    EXPECT_EQ(desktop.status, text("cancelQR"));
-    EXPECT_EQ(settings.ReadSetting("lastQR"), in());
+
+    std::string said;
+    for (const std::string& line : desktop.conversation) {
+        said += line.substr(0, line.find(" [")) + "\n"; // the filters are the replace command's
+    }
+    const auto status = [&](const std::string& text) { return "status: " + text + "\n"; };
+    const std::string offer =
+        "ask " + text("qrPickPath") + ": " + text("useLastQR") + "\r\n" + in();
+    EXPECT_EQ(said, status(text("noneSel")) + status(text("oneSel")) + "open " + text("rep1") +
+                        "\n" + status(text("rep3")) + offer + " -> yes\n" +
+                        status("a.dff " + text("rep5")) + status("c.dff " + text("rep5")) +
+                        status(summary(2, 2)) + offer + " -> no\nfolder " + text("repFrom") +
+                        " -> " + Cancel + "\n" + status(text("cancelQR")));
 }
 
 TEST_F(QuickReplaceTest, AFailedReplacementIsReportedAndStopsTheRun) {
-    openFour();
-    // a.dff no longer fits its sector and must be appended, which the full
-    // disk refuses; c.dff would fit but the run has stopped by then.
-    input("a.dff", Pattern(3000, 'x'));
+    // b.dff must now be appended, which the full disk refuses: a.dff stays done, c.dff untried.
+    input("b.dff", Pattern(3000, 'x'));
     const std::string before = imgBytes();
-    QuickReplaceCounts counts;
-    {
-        FileSizeLimit full(4 * SectorSize);
-        counts = quick.ReplaceSelectedFromFolder(in());
-    }
-    EXPECT_FALSE(counts.status.ok());
-    EXPECT_EQ(counts.replaced, 0u);
-    EXPECT_TRUE(qrDialogs.shown.empty());
+    const FileSizeLimit full(4 * SectorSize);
+    const QuickReplaceCounts counts = quick.ReplaceSelectedFromFolder(in());
+    EXPECT_TRUE(!counts.status.ok() && counts.replaced == 1u);
     ASSERT_EQ(desktop.said("message(Exclamation)").size(), 1u);
-    EXPECT_NE(desktop.said("message(Exclamation)")[0].find("a.dff"), std::string::npos);
-    EXPECT_EQ(imgBytes(), before);
+    EXPECT_NE(desktop.said("message(Exclamation)")[0].find("b.dff"), std::string::npos);
+    EXPECT_TRUE(imgBytes() == std::string("new a") + '\0' + before.substr(6));
     EXPECT_EQ(records(), tableRecords());
-    EXPECT_EQ(desktop.status, summary(0, 0));
+    EXPECT_EQ(desktop.status, summary(1, 0));
     EXPECT_EQ(editor.table().selectedCount(), 0u);
 }
 
-} // namespace
 } // namespace korvel::test
