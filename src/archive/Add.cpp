@@ -172,6 +172,12 @@ AddOutcome AddBatch::Add(const std::string& path, std::string& name) {
         }
     }
 
+    // Checked before a byte is written: one more record would make a
+    // directory file that no longer opens.
+    if (table.size() >= MaxRecords) {
+        return Failure("the archive already lists " + std::to_string(MaxRecords) +
+                       " entries, the most a directory file can hold; no more fit");
+    }
     if (!FileExists(path)) {
         return DataFailure(path + " is not a file that can be read");
     }

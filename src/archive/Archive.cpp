@@ -104,6 +104,12 @@ void Archive::Close() {
 std::optional<OpenFailure>
 OpenArchiveFiles(Archive& archive, const std::string& dataPath,
                  const std::function<void(const std::string&, const std::string&)>& beforeReading) {
+    if (DirectoryIsDataFile(dataPath)) {
+        archive.Close();
+        return OpenFailure{OpenFailure::Step::NotAnArchive,
+                           dataPath + " is not an archive's data file: its directory file would "
+                                      "be the file itself. Give the data file the extension .img."};
+    }
     RecoverInterruptedRebuild(dataPath);
     const std::string dirPath = DirectoryPathFor(dataPath).string();
     if (!FileExists(dataPath)) {
@@ -123,11 +129,23 @@ OpenArchiveFiles(Archive& archive, const std::string& dataPath,
     return std::nullopt;
 }
 
+bool DirectoryIsDataFile(const std::string& dataPath) {
+    const std::filesystem::path data(dataPath);
+    const std::filesystem::path dir = DirectoryPathFor(data);
+    std::error_code ec;
+    return dir.lexically_normal() == data.lexically_normal() ||
+           std::filesystem::equivalent(dir, data, ec);
+}
+
 std::string NewArchiveDataPath(const std::string& chosen) {
     return HasImgExtension(chosen) ? chosen : chosen + ".img";
 }
 
 Status CreateEmptyArchive(const std::string& dataPath, std::string& openPath) {
+    if (DirectoryIsDataFile(dataPath)) {
+        return Status::Failed("cannot create " + dataPath +
+                              ": its directory file would be the data file itself");
+    }
     if (FsError error = CreateEmptyFile(dataPath); !error.empty()) {
         return Status::Failed("cannot create " + dataPath + ": " + error);
     }

@@ -58,7 +58,10 @@ private:
 // Why an archive could not be opened; the window and the command-line tool
 // each word it their own way.
 struct OpenFailure {
-    enum class Step { DataFileMissing, DirectoryFileMissing, DirectoryUnreadable };
+    // NotAnArchive: the directory file would be the data file itself (a data
+    // file named without ".img", such as "gta3.img.bak"); writing it would
+    // destroy the data.
+    enum class Step { DataFileMissing, DirectoryFileMissing, DirectoryUnreadable, NotAnArchive };
     Step step;
     std::string detail; // the missing file's path, or what went wrong reading
 };
@@ -77,6 +80,9 @@ OpenArchiveFiles(Archive& archive, const std::string& dataPath,
 // the extension (otherwise it would pair with itself as its own directory
 // file).
 std::string NewArchiveDataPath(const std::string& chosen);
+
+// True when the directory file of `dataPath` would be the data file itself.
+bool DirectoryIsDataFile(const std::string& dataPath);
 
 // Creates an empty archive (both files, cutting existing ones to nothing) and
 // returns the path to open it under; `dataPath` is a NewArchiveDataPath.

@@ -128,14 +128,17 @@ std::filesystem::path DirectoryPathFor(const std::filesystem::path& dataPath) {
     const std::string classic = ReplaceAll(ToLowerCp1252(name), ".img", ".dir");
     std::error_code ec;
     for (const std::string& candidate : {swapped, classic}) {
-        if (std::filesystem::is_regular_file(folder / candidate, ec)) {
+        // A name without ".img" swaps to itself; the data file is never its
+        // own directory file.
+        if (candidate != name && std::filesystem::is_regular_file(folder / candidate, ec)) {
             return folder / candidate;
         }
     }
     const std::filesystem::path searchIn = folder.empty() ? "." : folder;
     for (const auto& item : std::filesystem::directory_iterator(searchIn, ec)) {
         const std::string found = item.path().filename().string();
-        if ((EqualsIgnoreCase(found, swapped) || EqualsIgnoreCase(found, classic)) &&
+        if (found != name &&
+            (EqualsIgnoreCase(found, swapped) || EqualsIgnoreCase(found, classic)) &&
             item.is_regular_file(ec)) {
             return folder / found;
         }

@@ -68,7 +68,9 @@ std::string NameFromField(const char* field);
 // it is and look, in order, for: the data file's name with its extension
 // swapped for ".dir" in the same letter case, the classic lower-cased name, and
 // any file in the folder matching either ignoring case. When none exists the
-// first candidate is returned (it is the name a new archive gets).
+// first candidate is returned (it is the name a new archive gets). The data
+// file itself is never a candidate that exists; for a name without ".img" the
+// result can still name the data file, which callers must refuse.
 std::filesystem::path DirectoryPathFor(const std::filesystem::path& dataPath);
 
 // True when the name ends in ".img", ignoring case.

@@ -57,6 +57,7 @@ bool Session::open(const std::string& path) {
         PrintError(text("openArchive2") + " " + failure->detail);
         break;
     case OpenFailure::Step::DirectoryUnreadable:
+    case OpenFailure::Step::NotAnArchive:
         PrintError(failure->detail);
         break;
     }

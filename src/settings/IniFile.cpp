@@ -4,6 +4,7 @@
 #include "platform/Cp1252.h"
 #include "platform/FileSystem.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <map>
 #include <mutex>
@@ -152,7 +153,12 @@ std::string WriteInContent(std::string_view content, std::string_view section, s
     const bool crlf = content.find("\r\n") != std::string_view::npos ||
                       content.find('\n') == std::string_view::npos;
     const std::string_view eol = crlf ? "\r\n" : "\n";
-    const std::string newLine = std::string(key) + "=" + std::string(value);
+    // A value is one line: a line break in it (a path, a typed search text)
+    // would otherwise add keys or sections of its own.
+    std::string oneLine(value);
+    std::replace_if(
+        oneLine.begin(), oneLine.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
+    const std::string newLine = std::string(key) + "=" + oneLine;
 
     std::vector<std::string> lines;
     for (std::string_view line : SplitLines(content)) {

@@ -31,7 +31,8 @@ bool WriteProfileString(const std::filesystem::path& file, std::string_view sect
 // Parsing, exposed for tests: the value of a key in file content, or nothing.
 std::optional<std::string> LookupInContent(std::string_view content, std::string_view section,
                                            std::string_view key);
-// Editing, exposed for tests: the content with the key written.
+// Editing, exposed for tests: the content with the key written. Line breaks
+// in the value become spaces, so a value never adds a line.
 std::string WriteInContent(std::string_view content, std::string_view section, std::string_view key,
                            std::string_view value);
 

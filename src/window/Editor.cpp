@@ -85,6 +85,7 @@ bool Editor::OpenArchive(const std::string& path) {
                                  MessageIcon::Information);
             break;
         case OpenFailure::Step::DirectoryUnreadable:
+        case OpenFailure::Step::NotAnArchive:
             desktop_.ShowMessage(failure->detail, "", MessageIcon::None);
             break;
         }

@@ -176,5 +176,18 @@ TEST_F(Add, AFailedFileIsReportedAndTheBatchGoesOn) {
     EXPECT_EQ(records(), tableRecords());
 }
 
+TEST_F(Add, AFullDirectoryTakesNoMoreAndNothingIsWritten) {
+    open(std::vector<DirRecord>(MaxRecords, DirRecord{0, 1, "x.dff"}), SectorSize);
+    const std::string img0 = imgBytes();
+    const std::string dir0 = dirBytes();
+    EXPECT_EQ(commands.AddFileBatch({input("one.dff", "1")}), 1u);
+    const auto messages = desktop.said("message(Exclamation) Error: " + text("ohCrap1"));
+    ASSERT_EQ(messages.size(), 1u);
+    EXPECT_NE(messages[0].find("32767"), std::string::npos);
+    EXPECT_EQ(imgBytes(), img0);
+    EXPECT_EQ(dirBytes(), dir0);
+    EXPECT_EQ(editor.table().size(), MaxRecords);
+}
+
 } // namespace
 } // namespace korvel::test

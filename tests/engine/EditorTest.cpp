@@ -56,11 +56,14 @@ TEST_F(EditorTest, RefusedArchivesAreReportedAndLeaveTheEditorClosed) {
     test::WriteBytes(folder / "big.img", "");
     // 32 767.5 records round to 32 768: one more than the count can hold.
     test::WriteBytes(folder / "big.dir", std::string(1048560, '\0'));
+    // A copy saved without ".img" would be its own directory file.
+    test::WriteBytes(folder / "kept.img.bak", "data");
     const std::string invalid = "(Information) " + text("invalidFL") + ": ";
     const std::pair<const char*, std::string> cases[] = {
         {"gone.img", invalid + text("openArchive1") + "\n" + path("gone.img")},
         {"lonely.img", invalid + text("openArchive2") + "\n" + path("lonely.dir")},
         {"big.img", "32767"},
+        {"kept.img.bak", "its directory file would be the file itself"},
     };
     for (const auto& [name, said] : cases) {
         desktop.conversation.clear();
@@ -71,6 +74,7 @@ TEST_F(EditorTest, RefusedArchivesAreReportedAndLeaveTheEditorClosed) {
         EXPECT_TRUE(editor.table().placeholder());
         EXPECT_EQ(recent(), before);
     }
+    EXPECT_EQ(test::ReadBytes(folder / "kept.img.bak"), "data");
 }
 
 // How a length rounds to records is the format's to test; here: the editor

@@ -68,6 +68,9 @@ TEST(IniFile, WritesReplaceInPlaceAndKeepEverythingElse) {
     // A missing section is created at the end; an empty file gets CRLF lines.
     EXPECT_EQ(WriteInContent("[a]\nk=v\n", "b", "k", "w"), "[a]\nk=v\n[b]\nk=w\n");
     EXPECT_EQ(WriteInContent("", "korvel", "k", "v"), "[korvel]\r\nk=v\r\n");
+    // A value holding line breaks stays one line: it adds no key or section.
+    EXPECT_EQ(WriteInContent("[korvel]\r\n", "korvel", "recent1", "a\r\n[x]\nk=v"),
+              "[korvel]\r\nrecent1=a  [x] k=v\r\n");
 }
 
 TEST(IniFile, EveryReadSeesTheFileAsItIsNow) {
