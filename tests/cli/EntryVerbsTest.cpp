@@ -51,6 +51,8 @@ TEST_F(EntryVerbs, EachVerbChangesTheArchiveAsTheWindowDoes) {
     SkipAll skip;
     QuickReplace quick(editor, commands, skip);
     // The call, what it prints, and the window's selection and command for the same change.
+    // The rows run in order on the same pair of archives: each starts from what the one
+    // before left (settings included), so keep the order when adding a row.
     // clang-format off
     const std::tuple<std::vector<std::string>, std::string, std::vector<std::size_t>, std::function<void()>> cases[] = {
         {{"add", cli, small, other, big}, "", {}, [&] {

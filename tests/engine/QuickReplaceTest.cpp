@@ -44,6 +44,7 @@ TEST_F(QuickReplaceTest, EachChoiceForAMissingFile) {
     using enum MissingFileOption;
     // qrSetting before, qrMissing's answer (nothing: closed by its frame), the next picker's
     // answer, rows replaced (the rest skipped), b.dff's and c.dff's bytes; b.dff kept first.
+    // The rows build on one archive in order: those that leave b.dff alone come first.
     const std::tuple<const char*, std::optional<MissingFileOption>, std::string, int, std::string,
                      std::string>
         cases[] = {
