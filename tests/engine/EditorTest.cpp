@@ -203,19 +203,6 @@ TEST_F(EditorTest, CloseOffersTheRebuildOnlyWhenAsked) {
     }
 }
 
-TEST_F(EditorTest, FileOpenDialog) {
-    const std::string img = makeArchive("o.img");
-    desktop.answer({Cancel, test::Fail, img});
-    editor.OpenArchiveAskingPath();
-    EXPECT_EQ(editor.dataPath(), "none");
-    editor.OpenArchiveAskingPath();
-    EXPECT_EQ(desktop.status, text("openArc2"));
-    editor.OpenArchiveAskingPath();
-    EXPECT_EQ(editor.dataPath(), img);
-    EXPECT_EQ(desktop.said("open")[0],
-              "open " + text("openArc1") + " [" + text("cdFiles1") + "] -> " + Cancel);
-}
-
 TEST_F(EditorTest, FileNewCreatesAnEmptyPairAndAsksBeforeReplacing) {
     ASSERT_TRUE(editor.OpenArchive(makeArchive("full.img")));
     const std::string dirBefore = test::ReadBytes(folder / "full.dir");

@@ -134,28 +134,6 @@ TEST_F(MainFixture, CommandLineArchiveOrElseTheMostRecentWhenAutoLoadIsExactlyTr
     }
 }
 
-TEST_F(MainFixture, StartupOptionsFollowTheSettings) {
-    // Blank keys read "Settings error": name order, nothing on.
-    const std::array<std::string, 5> cases[] = {{"offset", "True", "True", "1", "index"},
-                                                {"name", "False", "true", "false", "name"},
-                                                {"", "", "", "garbage", "name"}};
-    for (const auto& [sort, grid, colours, deleteProm, order] : cases) {
-        quietSettings();
-        settings.WriteSetting(sort, "sort");
-        settings.WriteSetting(grid, "showGrid");
-        settings.WriteSetting(colours, "showColors");
-        settings.WriteSetting(deleteProm, "deleteProm");
-        RecordingList freshList;
-        MainCommands(editor, freshList).ApplyStartupSettings();
-        SCOPED_TRACE(sort);
-        EXPECT_EQ(editor.menu().isChecked("SortName"), order == "name");
-        EXPECT_EQ(editor.table().order() == EntryTable::Order::Name, order == "name");
-        EXPECT_EQ(freshList.grid.has_value(), grid == "True");
-        EXPECT_EQ(freshList.stripeCalls, colours == "True" ? 1 : 0);
-        EXPECT_EQ(editor.menu().isChecked("OptConDelete"), deleteProm == "1");
-    }
-}
-
 TEST_F(MainFixture, ShutdownOffersTheRebuildAndEmptiesTheTempsFolderButKeepsFolders) {
     quietSettings();
     commands.Startup("");
@@ -259,16 +237,6 @@ TEST_F(MainFixture, SwitchingLanguageRelabelsReloadsAndSaysSo) {
     // Nothing was open: the reload opened the most recent archive.
     EXPECT_EQ(editor.dataPath(), path);
     EXPECT_EQ(desktop.status, "deutsch " + text("sd5"));
-}
-
-TEST_F(MainFixture, PickingTheUnfilledFirstSlotMakesEveryTextTheDefault) {
-    quietSettings();
-    test::WriteBytes(folder / "lang.ini", "no sections at all\n");
-    commands.Startup("");
-    commands.SwitchLanguage(1);
-    EXPECT_EQ(settings.ReadSetting("language"), "lang1");
-    EXPECT_EQ(editor.menu().caption("MenuFile"), "Settings error");
-    EXPECT_EQ(list.headers, (std::vector<std::string>(3, "Settings error")));
 }
 
 } // namespace

@@ -7,17 +7,8 @@ namespace korvel::test {
 namespace {
 
 const char* IconName(MessageIcon icon) {
-    switch (icon) {
-    case MessageIcon::Information:
-        return "Information";
-    case MessageIcon::Exclamation:
-        return "Exclamation";
-    case MessageIcon::Critical:
-        return "Critical";
-    case MessageIcon::None:
-        break;
-    }
-    return "None";
+    static const char* const names[] = {"None", "Information", "Exclamation", "Critical"};
+    return names[static_cast<int>(icon)];
 }
 
 } // namespace
@@ -25,17 +16,15 @@ const char* IconName(MessageIcon icon) {
 std::vector<std::string> ScriptedDesktop::said(const std::string& prefix) const {
     std::vector<std::string> found;
     for (const std::string& line : conversation) {
-        if (line.rfind(prefix, 0) == 0) {
+        if (line.rfind(prefix, 0) == 0)
             found.push_back(line);
-        }
     }
     return found;
 }
 
 std::string ScriptedDesktop::next(const std::string& asking) {
-    if (answers.empty()) {
+    if (answers.empty())
         throw std::logic_error("no scripted answer for: " + asking);
-    }
     std::string value = answers.front();
     answers.pop_front();
     return value;
@@ -83,10 +72,7 @@ FileDialogAnswer ScriptedDesktop::SaveFileDialog(const FileDialogRequest& reques
 std::optional<std::string> ScriptedDesktop::ChooseFolderDialog(const std::string& title) {
     const std::string reply = next("folder " + title);
     conversation.push_back("folder " + title + " -> " + reply);
-    if (reply == Cancel) {
-        return std::nullopt;
-    }
-    return reply;
+    return reply == Cancel ? std::nullopt : std::optional(reply);
 }
 
 std::optional<std::string> ScriptedDesktop::InputBox(const std::string& prompt,
@@ -94,10 +80,7 @@ std::optional<std::string> ScriptedDesktop::InputBox(const std::string& prompt,
                                                      const std::string& initial) {
     const std::string reply = next("input " + prompt);
     conversation.push_back("input " + title + ": " + prompt + " [" + initial + "] -> " + reply);
-    if (reply == Cancel) {
-        return std::nullopt;
-    }
-    return reply;
+    return reply == Cancel ? std::nullopt : std::optional(reply);
 }
 
 std::optional<Rgb> ScriptedDesktop::PickColour() {
