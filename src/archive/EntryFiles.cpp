@@ -1,7 +1,11 @@
 #include "archive/EntryFiles.h"
 
+#include "archive/RebuildJournal.h"
 #include "platform/Cp1252.h"
 #include "platform/FileCopy.h"
+#include "platform/OutputFile.h"
+
+#include <algorithm>
 
 namespace korvel {
 
@@ -28,22 +32,56 @@ std::optional<std::filesystem::path> EntryFileIn(const std::filesystem::path& fo
     return folder / Cp1252ToUtf8(rawName);
 }
 
-Status CopyEntryToFile(const Archive& archive, const Entry& entry,
-                       const std::filesystem::path& target) {
+std::vector<std::filesystem::path> ArchiveOwnFiles(const Archive& archive) {
+    const RebuildFiles rebuild = RebuildFilesFor(archive.dataPath(), archive.dirPath());
+    return {archive.dataPath(), archive.dirPath(), rebuild.newData,
+            rebuild.newDir,     rebuild.journal,   rebuild.journal.string() + ".part"};
+}
+
+std::uint32_t SectorsPresent(const Entry& entry, std::uint64_t dataLength) {
+    if (entry.byteOffset() >= dataLength) {
+        return 0;
+    }
+    const std::uint64_t held = (dataLength - entry.byteOffset() + SectorSize - 1) / SectorSize;
+    return static_cast<std::uint32_t>(std::min<std::uint64_t>(entry.sizeSectors, held));
+}
+
+std::string MissingBytesText(const std::string& rawName, std::uint64_t missingBytes) {
+    return "The entry \"" + Cp1252ToUtf8(rawName) +
+           "\" reaches past the end of the data file: " + std::to_string(missingBytes) +
+           " bytes of it are missing";
+}
+
+EntryCopy CopyEntryToFile(const Archive& archive, const Entry& entry,
+                          const std::filesystem::path& target) {
+    EntryCopy copy;
+    const auto fail = [&copy](FsError error) {
+        copy.status = Status::Failed(std::move(error));
+        return copy;
+    };
     File in;
+    std::uint64_t dataLength = 0;
     if (FsError error = in.open(archive.dataPath(), File::Mode::Read); !error.empty()) {
-        return Status::Failed(error);
+        return fail(error);
+    }
+    if (FsError error = in.length(dataLength); !error.empty()) {
+        return fail(error);
     }
     File out;
-    if (FsError error = out.open(target, File::Mode::CreateTruncate); !error.empty()) {
-        return Status::Failed(error);
+    if (OutputOpen opened = OpenOutputFile(out, target, ArchiveOwnFiles(archive));
+        !opened.error.empty()) {
+        copy.refused = opened.refused;
+        return fail(opened.error);
     }
-    if (FsError error = CopyRange(in, entry.byteOffset(), out, 0, entry.byteCount());
-        !error.empty()) {
-        return Status::Failed(error);
+    const std::uint64_t present = std::uint64_t{SectorsPresent(entry, dataLength)} * SectorSize;
+    copy.missingBytes = entry.byteCount() - present;
+    if (FsError error = CopyRange(in, entry.byteOffset(), out, 0, present); !error.empty()) {
+        return fail(error);
     }
-    const FsError closed = out.close();
-    return closed.empty() ? Status::Ok() : Status::Failed(closed);
+    if (FsError closed = out.close(); !closed.empty()) {
+        return fail(closed);
+    }
+    return copy;
 }
 
 } // namespace korvel

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace korvel {
 
@@ -22,10 +23,34 @@ std::string UnsafeNameProblem(const std::string& rawName);
 std::optional<std::filesystem::path> EntryFileIn(const std::filesystem::path& folder,
                                                  const std::string& rawName);
 
-// Copies one entry's bytes (all its sectors) into a new file at `target`,
-// replacing any file there. Streams; bytes past the end of the data file come
-// out as zeros, so the copy always holds exactly the entry's size.
-Status CopyEntryToFile(const Archive& archive, const Entry& entry,
-                       const std::filesystem::path& target);
+// The files that make up the open archive on disk: its data and directory
+// files and the temporaries and journal a rebuild keeps beside them. Nothing
+// Korvel writes for the person may land on one of them.
+std::vector<std::filesystem::path> ArchiveOwnFiles(const Archive& archive);
+
+// How many of the entry's sectors the data file of `dataLength` bytes holds;
+// a last sector held only in part counts as held (its missing end reads as
+// zeros, as the padding it nearly always is).
+std::uint32_t SectorsPresent(const Entry& entry, std::uint64_t dataLength);
+
+// Says that the entry reaches past the end of the data file and how many of
+// its bytes are missing; callers add what they did about it.
+std::string MissingBytesText(const std::string& rawName, std::uint64_t missingBytes);
+
+struct EntryCopy {
+    Status status = Status::Ok();
+    // The target was refused (status says why and names it); nothing changed.
+    bool refused = false;
+    // Bytes of the entry's sectors that lie past the end of the data file:
+    // they were not written.
+    std::uint64_t missingBytes = 0;
+};
+
+// Copies one entry's bytes into a new file at `target`, replacing a regular
+// file there; anything else standing there, and the archive's own files, are
+// refused (OpenOutputFile). Streams, and writes only the sectors the data
+// file holds, so a record claiming terabytes costs nothing.
+EntryCopy CopyEntryToFile(const Archive& archive, const Entry& entry,
+                          const std::filesystem::path& target);
 
 } // namespace korvel

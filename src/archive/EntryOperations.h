@@ -25,6 +25,12 @@ struct ExtractResult {
     Status status = Status::Ok();
     // The file written (or tried); nothing when the entry's name is unsafe.
     std::optional<std::filesystem::path> target;
+    // What stands at the target may not be written (a link, a FIFO, a
+    // folder, one of the archive's own files): status says so, naming it.
+    bool refused = false;
+    // Written, but this many bytes of the entry lie past the end of the data
+    // file and are not in the file; MissingBytesText says so.
+    std::uint64_t missingBytes = 0;
 };
 // Writes the row's bytes to the file its name gives inside `folder`.
 ExtractResult ExtractEntryTo(const Archive& archive, std::size_t row,
@@ -143,6 +149,9 @@ struct RebuildResult {
     // The journal was written: the archive must be opened again (which
     // completes the renames should they have stopped).
     bool reopen = false;
+    // Rows whose records reached past the end of the data file: each was cut
+    // to the sectors that exist, and MissingBytesText says how much went.
+    std::vector<std::string> cut;
 };
 // Writes a compact copy of the archive in row order and puts it in the old
 // pair's place.

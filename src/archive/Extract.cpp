@@ -17,7 +17,10 @@ ExtractResult ExtractEntryTo(const Archive& archive, std::size_t row,
         result.status = Status::Failed(UnsafeNameProblem(entry.name));
         return result;
     }
-    result.status = CopyEntryToFile(archive, entry, *result.target);
+    EntryCopy copy = CopyEntryToFile(archive, entry, *result.target);
+    result.status = std::move(copy.status);
+    result.refused = copy.refused;
+    result.missingBytes = copy.missingBytes;
     return result;
 }
 

@@ -3,11 +3,13 @@
 // then says it is complete, the two renames follow, and the journal goes. An
 // interruption at any moment leaves the old archive or, once the journal
 // exists, one that the next open completes: never a mix, never neither.
+#include "archive/EntryFiles.h"
 #include "archive/EntryOperations.h"
 #include "archive/RebuildJournal.h"
 
 #include "platform/FileCopy.h"
 
+#include <algorithm>
 #include <limits>
 #include <sstream>
 #include <system_error>
@@ -125,30 +127,47 @@ void RemoveNewPair(const RebuildFiles& files) {
 }
 
 // Step 1: the new data file, every row's sectors back to back in row order,
-// and the records that say where each now lies.
+// and the records that say where each now lies. A record reaching past the
+// end of the data file keeps only the sectors that exist (zeros invented for
+// the rest could be terabytes); `cut` says which and how much went.
 Status WriteNewData(const EntryTable& table, File& in, const fs::path& newData,
-                    const RebuildProgress& progress, std::vector<DirRecord>& records) {
+                    const RebuildProgress& progress, std::vector<DirRecord>& records,
+                    std::vector<std::string>& cut) {
     File out;
     if (FsError error = out.open(newData, File::Mode::CreateTruncate); !error.empty()) {
         return Status::Failed(error);
     }
+    std::uint64_t dataLength = 0;
+    if (FsError error = in.length(dataLength); !error.empty()) {
+        return Status::Failed(error);
+    }
+    std::vector<std::uint32_t> present;
+    present.reserve(table.size());
     std::uint64_t total = 0;
     for (const Entry& entry : table.rows()) {
-        total += entry.byteCount();
+        present.push_back(SectorsPresent(entry, dataLength));
+        total += std::uint64_t{present.back()} * SectorSize;
     }
-    out.reserve(total);
+    // Rows that share sectors are copied once each, but the space asked for
+    // up front never exceeds the data that exists.
+    out.reserve(std::min(total, dataLength));
     records.reserve(table.size());
     std::vector<CopySpan> spans;
     spans.reserve(table.size());
     std::uint64_t running = 0; // in sectors
-    for (const Entry& entry : table.rows()) {
+    for (std::size_t row = 0; row < table.size(); ++row) {
+        const Entry& entry = table[row];
         if (running > std::numeric_limits<std::uint32_t>::max()) {
             return Status::Failed(
                 "the rebuilt archive would be larger than an archive can address");
         }
-        spans.push_back({entry.byteOffset(), entry.byteCount()});
-        records.push_back({static_cast<std::uint32_t>(running), entry.sizeSectors, entry.name});
-        running += entry.sizeSectors;
+        spans.push_back({entry.byteOffset(), std::uint64_t{present[row]} * SectorSize});
+        records.push_back({static_cast<std::uint32_t>(running), present[row], entry.name});
+        running += present[row];
+        if (present[row] < entry.sizeSectors) {
+            cut.push_back(MissingBytesText(
+                entry.name, std::uint64_t{entry.sizeSectors - present[row]} * SectorSize));
+        }
     }
     FsError error = CopySpansInOrder(in, out, 0, spans, [&](std::size_t i) {
         if (progress.copying) {
@@ -242,7 +261,8 @@ RebuildResult RebuildArchive(const Archive& archive, const RebuildProgress& prog
     if (FsError error = in.open(dataPath, File::Mode::Read); !error.empty()) {
         result.status = Status::Failed(error);
     } else {
-        result.status = WriteNewData(archive.table(), in, files.newData, progress, records);
+        result.status =
+            WriteNewData(archive.table(), in, files.newData, progress, records, result.cut);
     }
     if (result.status.ok()) {
         if (progress.writingDirectory) {

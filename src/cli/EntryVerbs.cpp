@@ -3,6 +3,7 @@
 // byte for byte alike. Names match ignoring letter case, every matching row
 // is acted on, and a name that matches nothing stops the verb before any
 // change.
+#include "archive/EntryFiles.h"
 #include "archive/EntryOperations.h"
 #include "cli/Verbs.h"
 #include "platform/Cp1252.h"
@@ -65,10 +66,13 @@ int Extract(const Arguments& args) {
     }
     for (std::size_t row : *rows) {
         const ExtractResult result = ExtractEntryTo(run.archive(), row, dest);
-        if (!result.target) {
+        if (!result.target || result.refused) {
             run.error(result.status.error());
         } else if (!result.status.ok()) {
             run.failure(result.status, result.target->string());
+        } else if (result.missingBytes > 0) {
+            run.error(MissingBytesText(run.table()[row].name, result.missingBytes) +
+                      "; the file holds the bytes that exist.");
         }
     }
     return run.finish();
@@ -250,6 +254,9 @@ int RebuildArchive(const Arguments& args) {
     const RebuildResult result = korvel::RebuildArchive(run.archive(), {});
     if (!result.status.ok()) {
         run.failure(result.status);
+    }
+    for (const std::string& cut : result.cut) {
+        run.error(cut + "; the rebuilt archive keeps the sectors that exist.");
     }
     if (result.reopen && !run.session.open(dataPath)) {
         run.failed = true;

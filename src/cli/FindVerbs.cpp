@@ -5,6 +5,7 @@
 #include "archive/Names.h"
 #include "cli/Verbs.h"
 #include "platform/Folders.h"
+#include "platform/OutputFile.h"
 #include "reports/Reports.h"
 #include "search/FindInArchive.h"
 #include "search/FindInFiles.h"
@@ -112,6 +113,11 @@ int Report(const Arguments& args) {
         return ExitFailure;
     }
     const ReportKind kind = text ? ReportKind::Text : ReportKind::Html;
+    if (const std::string problem =
+            OutputTargetProblem(args.operands[1], ArchiveOwnFiles(session.archive()));
+        !problem.empty()) {
+        return Fail(problem);
+    }
     if (!WriteReport(session.archive(), settings, kind, args.operands[1]).ok()) {
         return Fail("cannot write the report " + args.operands[1]);
     }

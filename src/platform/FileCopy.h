@@ -33,6 +33,12 @@ public:
     FsError open(const std::filesystem::path& path, Mode mode);
     FsError close();
     bool isOpen() const { return fd_ >= 0; }
+    // Takes over a descriptor opened elsewhere (OpenOutputFile opens with
+    // checks of its own).
+    void adopt(int fd) {
+        (void)close();
+        fd_ = fd;
+    }
     int fd() const { return fd_; }
 
     FsError length(std::uint64_t& out) const;

@@ -1,8 +1,7 @@
 #include "platform/TextFile.h"
 
 #include "platform/Cp1252.h"
-
-#include <fstream>
+#include "platform/OutputFile.h"
 
 namespace korvel {
 
@@ -25,23 +24,38 @@ std::string ToAnsi(std::string_view utf8) {
     return out;
 }
 
-Status WriteLines(const std::filesystem::path& path, const std::vector<std::string>& lines) {
+Status WriteLines(const std::filesystem::path& path, const std::vector<std::string>& lines,
+                  const std::vector<std::filesystem::path>& archiveFiles) {
     const auto failed = [&] {
         const std::u8string name = path.u8string();
         return Status::Failed("cannot write " + std::string(name.begin(), name.end()));
     };
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    if (!out) {
-        return failed();
+    File out;
+    if (const OutputOpen opened = OpenOutputFile(out, path, archiveFiles); !opened.error.empty()) {
+        return opened.refused ? Status::Failed(opened.error) : failed();
     }
+    // Lines go out in blocks of about this size: one write per line would
+    // cost a system call each on a 32 767-row report.
+    constexpr std::size_t Block = 64 * 1024;
+    std::string pending;
+    std::uint64_t at = 0;
+    const auto flush = [&] {
+        const bool written = out.writeAt(at, pending).empty();
+        at += pending.size();
+        pending.clear();
+        return written;
+    };
     for (const std::string& line : lines) {
-        out << line << "\r\n";
-        if (!out) {
+        pending += line;
+        pending += "\r\n";
+        if (pending.size() >= Block && !flush()) {
             return failed();
         }
     }
-    out.close();
-    return out ? Status::Ok() : failed();
+    if (!flush() || !out.close().empty()) {
+        return failed();
+    }
+    return Status::Ok();
 }
 
 } // namespace korvel

@@ -16,8 +16,11 @@ namespace korvel {
 // Windows-1252 cannot hold becomes "?".
 std::string ToAnsi(std::string_view utf8);
 
-// Creates `path` (emptying an existing file) and writes each line followed by
-// CR LF, line by line. Fails at the first failure; what was written stays.
-Status WriteLines(const std::filesystem::path& path, const std::vector<std::string>& lines);
+// Creates `path` (emptying an existing regular file) and writes each line
+// followed by CR LF. Fails at the first failure; what was written stays. A
+// link, FIFO, device or folder at `path`, or one of `archiveFiles`, is
+// refused untouched, with OutputTargetProblem's text.
+Status WriteLines(const std::filesystem::path& path, const std::vector<std::string>& lines,
+                  const std::vector<std::filesystem::path>& archiveFiles = {});
 
 } // namespace korvel

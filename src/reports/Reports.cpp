@@ -1,5 +1,6 @@
 #include "reports/Reports.h"
 
+#include "archive/EntryFiles.h"
 #include "archive/Format.h"
 #include "archive/Names.h"
 #include "platform/FileSystem.h"
@@ -144,7 +145,8 @@ Status WriteReport(const Archive& archive, const Settings& texts, ReportKind kin
     if (!dataBytes) {
         return Status::Failed("cannot read the size of " + archive.dataPath());
     }
-    return WriteLines(path, ReportLines(archive, texts, kind, ReportFactsNow(*dataBytes)));
+    return WriteLines(path, ReportLines(archive, texts, kind, ReportFactsNow(*dataBytes)),
+                      ArchiveOwnFiles(archive));
 }
 
 } // namespace korvel

@@ -2,6 +2,7 @@
 
 #include "settings/FailureTexts.h"
 
+#include "archive/EntryFiles.h"
 #include "archive/Marker.h"
 
 #include "platform/Blanks.h"
@@ -17,6 +18,20 @@
 
 namespace korvel {
 namespace fs = std::filesystem;
+namespace {
+
+// An entry whose record reaches past the end of the data file was written
+// with the bytes that exist; the person hears which and how much is missing.
+void ShowMissingBytes(Editor& editor, std::size_t row, const ExtractResult& result) {
+    if (result.missingBytes > 0) {
+        editor.desktop().ShowMessage(
+            MissingBytesText(editor.table()[row].name, result.missingBytes) +
+                ", so only the bytes that exist were written.",
+            "Error", MessageIcon::Exclamation);
+    }
+}
+
+} // namespace
 
 EntryCommands::EntryCommands(Editor& editor, EntryDialogs& dialogs)
     : editor_(editor), dialogs_(dialogs) {
@@ -107,7 +122,7 @@ bool EntryCommands::ExtractEntry(std::size_t row, ExtractMode mode) {
         folder = pickedFolder_;
     }
     const ExtractResult result = ExtractEntryTo(editor_.archive(), row, folder);
-    if (!result.target) {
+    if (!result.target || result.refused) {
         desktop.ShowMessage(result.status.error(), "Error", MessageIcon::Exclamation);
         return false;
     }
@@ -115,6 +130,7 @@ bool EntryCommands::ExtractEntry(std::size_t row, ExtractMode mode) {
         ShowError(result.status.error(), result.target->string());
         return false;
     }
+    ShowMissingBytes(editor_, row, result);
     if (mode == ExtractMode::Ask) {
         editor_.settings().WriteSetting(pickedFolder_, "lastExtract");
     }
@@ -141,7 +157,7 @@ void EntryCommands::ViewSelectedEntries() {
     EnsureTempsFolder();
     for (std::size_t row : SelectedRows()) {
         const ExtractResult copy = ExtractEntryTo(editor_.archive(), row, TempsFolder());
-        if (!copy.target) {
+        if (!copy.target || copy.refused) {
             editor_.desktop().ShowMessage(copy.status.error(), "Error", MessageIcon::Exclamation);
             continue;
         }
@@ -149,6 +165,7 @@ void EntryCommands::ViewSelectedEntries() {
         if (!copy.status.ok()) {
             return;
         }
+        ShowMissingBytes(editor_, row, copy);
         editor_.desktop().OpenWithShell(copy.target->string());
     }
 }
@@ -251,6 +268,14 @@ bool EntryCommands::Rebuild() {
     const RebuildResult result = RebuildArchive(editor_.archive(), progress);
     if (!result.status.ok()) {
         ShowError(result.status.error());
+    }
+    if (!result.cut.empty()) {
+        std::string cut;
+        for (const std::string& line : result.cut) {
+            cut += line + ".\r\n";
+        }
+        desktop.ShowMessage(cut + "The rebuilt archive keeps the sectors that exist.", "Error",
+                            MessageIcon::Exclamation);
     }
     if (!result.reopen) {
         return false;

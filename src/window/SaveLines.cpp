@@ -1,6 +1,8 @@
 #include "window/SaveLines.h"
 
+#include "archive/EntryFiles.h"
 #include "platform/FileSystem.h"
+#include "platform/OutputFile.h"
 
 namespace korvel {
 
@@ -17,6 +19,15 @@ SaveOutcome SaveLinesAskingPath(Editor& editor, const FileDialogRequest& request
             return SaveOutcome::Cancelled;
         }
         const std::string& path = answer.paths.front();
+        // A link, FIFO, device or folder, or a file of the open archive, is
+        // never written; the person hears why and may choose again.
+        if (const std::string problem =
+                OutputTargetProblem(path, editor.isOpen() ? ArchiveOwnFiles(editor.archive())
+                                                          : std::vector<std::filesystem::path>{});
+            !problem.empty()) {
+            desktop.ShowMessage(problem, "Error", MessageIcon::Exclamation);
+            continue;
+        }
         if (askBeforeReplacing && FileExists(path) &&
             !desktop.AskYesNo(path + "\r\n" + editor.text("fe3"), editor.text("fe2"))) {
             continue;

@@ -13,7 +13,9 @@ namespace korvel {
 
 enum class SaveOutcome { Saved, Cancelled, Failed };
 
-// Offers the save dialog with `request`; an empty path or Cancel ends it.
+// Offers the save dialog with `request`; an empty path or Cancel ends it. A
+// path that must not be written (OutputTargetProblem, the open archive's own
+// files included) is refused with a message and the dialog offered again.
 // With `askBeforeReplacing` an existing file is only replaced after a Yes to
 // text(fe3) under text(fe2); No offers the dialog again. Then `write` writes
 // the chosen file. A dialog that fails, or a write that fails, is Failed:

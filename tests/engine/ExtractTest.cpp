@@ -33,9 +33,9 @@ TEST_F(Extract, EditExtractAsksOnceAndWritesEachEntryFromItsOwnOffset) {
     EXPECT_EQ(ReadBytes(folder / "a.img"), data); // extraction never changes the archive
 }
 
-TEST_F(Extract, PastTheEndOfTheDataReadsAsZerosAndReplacesALongerFile) {
-    // The entry claims 4 sectors from sector 3; the data file ends 100 bytes in.
-    open({{3, 4, "tail.dff"}}, 3 * SectorSize + 100);
+TEST_F(Extract, OnlyTheSectorsTheDataFileHoldsAreWrittenAndTheRestIsNamed) {
+    // The entry claims 8 TiB from sector 3; the data file ends 100 bytes in.
+    open({{3, 0xFFFFFFFF, "tail.dff"}}, 3 * SectorSize + 100);
     fs::create_directories(folder / "out");
     WriteBytes(folder / "out" / "tail.dff", std::string(5 * SectorSize, 'x'));
     settings.WriteSetting((folder / "out").string(), "lastExtract");
@@ -44,9 +44,14 @@ TEST_F(Extract, PastTheEndOfTheDataReadsAsZerosAndReplacesALongerFile) {
     EXPECT_EQ(commands.ExtractSelectedToLastFolder(), 0u);
 
     const std::string got = ReadBytes(folder / "out" / "tail.dff");
-    ASSERT_EQ(got.size(), 4 * SectorSize);
+    ASSERT_EQ(got.size(), SectorSize);
     EXPECT_EQ(got.substr(0, 100), imgBytes().substr(3 * SectorSize, 100));
-    EXPECT_EQ(got.substr(100), std::string(4 * SectorSize - 100, '\0'));
+    EXPECT_EQ(got.substr(100), std::string(SectorSize - 100, '\0'));
+    const auto messages = desktop.said("message(Exclamation)");
+    ASSERT_EQ(messages.size(), 1u);
+    EXPECT_NE(messages[0].find("\"tail.dff\" reaches past the end of the data file: " +
+                               std::to_string((0xFFFFFFFFull - 1) * SectorSize) + " bytes"),
+              std::string::npos);
 }
 
 TEST_F(Extract, QuickWithoutAFolderAndACancelledDialog) {
