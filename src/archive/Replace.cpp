@@ -1,19 +1,93 @@
-// Replacing an entry's data with a file: in place when it fits, else appended
-// behind the entry that lies last in the data file.
+// Replacing an entry's data with a file: in place when it fits in sectors
+// that are the entry's alone, else appended behind the entry that lies last
+// in the data file.
 #include "archive/EntryOperations.h"
 
 #include "platform/FileCopy.h"
 #include "platform/FileSystem.h"
+#include "platform/OutputFile.h"
 
+#include <algorithm>
 #include <limits>
+#include <system_error>
 
 namespace korvel {
 namespace {
+
+void RemoveFile(const std::filesystem::path& path) {
+    std::error_code ignored;
+    std::filesystem::remove(path, ignored);
+}
 
 ReplaceResult Failed(const std::string& error) {
     ReplaceResult result;
     result.status = Status::Failed(error);
     return result;
+}
+
+// Whether sectors [start, start + count) belong to the row alone. A damaged
+// record may claim sectors that other entries hold; writing there would
+// overwrite them.
+bool SectorsAreOwn(const EntryTable& table, std::size_t row, std::uint64_t start,
+                   std::uint64_t count) {
+    for (std::size_t other = 0; other < table.size(); ++other) {
+        const Entry& entry = table[other];
+        if (other != row && entry.sizeSectors > 0 && entry.startSector < start + count &&
+            start < std::uint64_t{entry.startSector} + entry.sizeSectors) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Writes the file's `n` bytes and one zero byte at `offset` over the entry's
+// old bytes. A write failing halfway must not leave the entry half new, so
+// the bytes about to be covered (only those the data file holds, at most the
+// new file's size) are first kept in a scratch file beside the archive and
+// put back on failure; a file that grew is cut back.
+FsError WriteInPlace(File& data, const File& source, const std::string& dataPath,
+                     std::uint64_t offset, std::uint64_t n) {
+    std::uint64_t oldLength = 0;
+    if (FsError error = data.length(oldLength); !error.empty()) {
+        return error;
+    }
+    const std::uint64_t kept = offset >= oldLength ? 0 : std::min(n + 1, oldLength - offset);
+    const std::filesystem::path scratchPath = dataPath + ".korvel-old";
+    File scratch;
+    if (kept > 0) {
+        // Only a file made here and now: whatever stood under the name (a
+        // leftover, or a link someone placed) is not written through.
+        RemoveFile(scratchPath);
+        if (OutputOpen opened = OpenOutputFile(scratch, scratchPath, {}, OutputMode::CreateNew);
+            !opened.error.empty()) {
+            return "cannot keep the entry's old bytes: " + opened.error;
+        }
+        if (OpenFilesCanBeReplaced) {
+            RemoveFile(scratchPath); // nothing stays behind, even after a crash
+        }
+        if (FsError error = CopyRange(data, offset, scratch, 0, kept); !error.empty()) {
+            (void)scratch.close();
+            RemoveFile(scratchPath);
+            return error;
+        }
+    }
+    FsError error = CopyRange(source, 0, data, offset, n);
+    if (error.empty()) {
+        error = data.writeAt(offset + n, std::string_view("\0", 1));
+    }
+    if (!error.empty()) {
+        FsError undo = kept > 0 ? CopyRange(scratch, 0, data, offset, kept) : FsError();
+        std::uint64_t length = oldLength;
+        if (undo.empty() && data.length(length).empty() && length > oldLength) {
+            undo = data.truncate(oldLength);
+        }
+        if (!undo.empty()) {
+            error += "; the entry's old bytes could not be put back (" + undo + ")";
+        }
+    }
+    (void)scratch.close();
+    RemoveFile(scratchPath);
+    return error;
 }
 
 } // namespace
@@ -44,13 +118,10 @@ ReplaceResult ReplaceEntry(Archive& archive, std::size_t row, const std::string&
         return Failed(error);
     }
 
-    if (needed <= old.sizeSectors) {
+    if (needed <= old.sizeSectors && SectorsAreOwn(table, row, old.startSector, needed)) {
         // Fits in the entry's own sectors: the file, one zero byte, and the
         // rest of those sectors keeps its old bytes.
-        if (FsError error = CopyRange(source, 0, data, old.byteOffset(), n); !error.empty()) {
-            return Failed(error);
-        }
-        if (FsError error = data.writeAt(old.byteOffset() + n, std::string_view("\0", 1));
+        if (FsError error = WriteInPlace(data, source, archive.dataPath(), old.byteOffset(), n);
             !error.empty()) {
             return Failed(error);
         }
