@@ -4,6 +4,9 @@
 #include "archive/RebuildJournal.h"
 #include "platform/Cp1252.h"
 #include "platform/FileSystem.h"
+#include "platform/OutputFile.h"
+
+#include <system_error>
 
 namespace korvel {
 namespace {
@@ -141,17 +144,61 @@ std::string NewArchiveDataPath(const std::string& chosen) {
     return HasImgExtension(chosen) ? chosen : chosen + ".img";
 }
 
-Status CreateEmptyArchive(const std::string& dataPath, std::string& openPath) {
+namespace {
+
+std::vector<std::string> ExistingOf(const std::string& dataPath,
+                                    const std::filesystem::path& dirPath) {
+    std::vector<std::string> existing;
+    for (const std::string& path : {dataPath, dirPath.string()}) {
+        std::error_code ec;
+        if (std::filesystem::exists(std::filesystem::symlink_status(path, ec))) {
+            existing.push_back(path);
+        }
+    }
+    return existing;
+}
+
+bool IsConfirmed(const std::string& path, const std::vector<std::string>& confirmed) {
+    for (const std::string& file : confirmed) {
+        std::error_code ec;
+        if (file == path || std::filesystem::equivalent(file, path, ec)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+std::vector<std::string> FilesNewArchiveWouldEmpty(const std::string& dataPath) {
+    return ExistingOf(dataPath, DirectoryPathFor(dataPath));
+}
+
+Status CreateEmptyArchive(const std::string& dataPath, const std::vector<std::string>& confirmed,
+                          std::string& openPath) {
     if (DirectoryIsDataFile(dataPath)) {
         return Status::Failed("cannot create " + dataPath +
                               ": its directory file would be the data file itself");
     }
-    if (FsError error = CreateEmptyFile(dataPath); !error.empty()) {
-        return Status::Failed("cannot create " + dataPath + ": " + error);
-    }
     const std::filesystem::path dirPath = DirectoryPathFor(dataPath);
-    if (FsError error = CreateEmptyFile(dirPath); !error.empty()) {
-        return Status::Failed("cannot create " + dirPath.string() + ": " + error);
+    for (const std::string& file : ExistingOf(dataPath, dirPath)) {
+        if (!IsConfirmed(file, confirmed)) {
+            return Status::Failed("cannot create " + dataPath + ": it would empty " + file +
+                                  ", which was not confirmed");
+        }
+    }
+    for (const std::string& path : {dataPath, dirPath.string()}) {
+        File file;
+        const OutputOpen opened = OpenOutputFile(
+            file, path, {},
+            IsConfirmed(path, confirmed) ? OutputMode::Replace : OutputMode::CreateNew);
+        if (!opened.error.empty()) {
+            return Status::Failed(opened.refused ? opened.error
+                                                 : "cannot create " + path + ": " + opened.error);
+        }
+        if (FsError error = file.close(); !error.empty()) {
+            return Status::Failed("cannot create " + path + ": " + error);
+        }
     }
     openPath = DataPathForNewArchive(dataPath, dirPath);
     return Status::Ok();

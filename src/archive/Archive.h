@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace korvel {
 
@@ -84,9 +85,20 @@ std::string NewArchiveDataPath(const std::string& chosen);
 // True when the directory file of `dataPath` would be the data file itself.
 bool DirectoryIsDataFile(const std::string& dataPath);
 
-// Creates an empty archive (both files, cutting existing ones to nothing) and
-// returns the path to open it under; `dataPath` is a NewArchiveDataPath.
-// On failure the status says what could not be created.
-Status CreateEmptyArchive(const std::string& dataPath, std::string& openPath);
+// The existing files a new archive at `dataPath` would empty: the data file
+// and the directory file found for it, which may be another archive's (in a
+// folder holding "LOWER.IMG" and "lower.dir", a new "lower.img" finds
+// "lower.dir"). The person must confirm exactly these.
+std::vector<std::string> FilesNewArchiveWouldEmpty(const std::string& dataPath);
+
+// Creates an empty archive and returns the path to open it under; `dataPath`
+// is a NewArchiveDataPath. An existing file is cut to nothing only when it is
+// one of `confirmed` (the person agreed to empty exactly that file); any
+// other existing file of FilesNewArchiveWouldEmpty makes it fail before
+// anything changes, and one appearing meanwhile is not touched. A link, FIFO,
+// device or folder is never written through. On failure the status says
+// what could not be created.
+Status CreateEmptyArchive(const std::string& dataPath, const std::vector<std::string>& confirmed,
+                          std::string& openPath);
 
 } // namespace korvel

@@ -41,11 +41,20 @@ int New(const Arguments& args) {
     const std::string& path = args.operands[0];
     const bool force = args.has("--force");
     const std::string target = NewArchiveDataPath(path);
-    if (FileExists(target) && !force) {
-        return Fail(target + " already exists; give --force to replace it with an empty archive");
+    // The directory file found may be another archive's: --force confirms
+    // exactly the files named here.
+    const std::vector<std::string> emptied = FilesNewArchiveWouldEmpty(target);
+    if (!emptied.empty() && !force) {
+        const bool one = emptied.size() == 1;
+        return Fail((one ? emptied[0] + " already exists"
+                         : emptied[0] + " and " + emptied[1] + " already exist") +
+                    "; give --force to replace " + (one ? "it" : "them") +
+                    " with an empty archive");
     }
     std::string openPath;
-    if (const Status created = CreateEmptyArchive(target, openPath); !created.ok()) {
+    if (const Status created =
+            CreateEmptyArchive(target, force ? emptied : std::vector<std::string>{}, openPath);
+        !created.ok()) {
         return Fail(created.error());
     }
     return session.open(openPath) ? 0 : ExitFailure;

@@ -203,14 +203,20 @@ void Editor::NewArchiveAskingPath() {
         return;
     }
     const std::string path = NewArchiveDataPath(answer.paths.front());
-    if (FileExists(path)) {
-        const std::string question = text("fe1") + " " + path + "\n" + text("fe2");
-        if (!desktop_.AskYesNo(question, text("fe3"))) {
+    // Every file that would be emptied is named, the directory file too: it
+    // may be another archive's.
+    const std::vector<std::string> emptied = FilesNewArchiveWouldEmpty(path);
+    if (!emptied.empty()) {
+        std::string question = text("fe1");
+        for (const std::string& file : emptied) {
+            question += (&file == &emptied.front() ? " " : "\n") + file;
+        }
+        if (!desktop_.AskYesNo(question + "\n" + text("fe2"), text("fe3"))) {
             return;
         }
     }
     std::string openPath;
-    if (!CreateEmptyArchive(path, openPath).ok()) {
+    if (!CreateEmptyArchive(path, emptied, openPath).ok()) {
         desktop_.SetStatus(text("newArc3"));
         return;
     }

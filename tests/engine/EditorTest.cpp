@@ -235,7 +235,8 @@ TEST_F(EditorTest, FileNewCreatesAnEmptyPairAndAsksBeforeReplacing) {
         EXPECT_EQ(recent()[0], img.string());
     }
     EXPECT_EQ(desktop.said("ask")[0], "ask " + text("fe3") + ": " + text("fe1") + " " +
-                                          path("full.img") + "\n" + text("fe2") + " -> no");
+                                          path("full.img") + "\n" + path("full.dir") + "\n" +
+                                          text("fe2") + " -> no");
 }
 
 TEST(EntryTable, AppendOffsetIsBehindTheLastEntryInTheDataFile) {
