@@ -62,13 +62,20 @@ TEST_F(ReportCommandsTest, AsksBeforeReplacingAndSaysHowItWent) {
     openArchive("rep.img", {{0, 1, "a.dff"}}, SectorSize);
     const std::string out = (folder / "r.txt").string();
     test::WriteBytes(out, std::string(50'000, '#'));
-    desktop.answer({out, "no", out, "yes"});
+    // The archive's own data file is refused and the dialog offered again.
+    const std::string img = (folder / "rep.img").string(), data = test::ReadBytes(img);
+    desktop.answer({img, out, "no", out, "yes"});
     SaveTextReportAskingPath(editor);
-    const std::string save = "save " + text("menub10") + " [" + text("cdFiles3") + "] -> " + out;
+    const std::string save = "save " + text("menub10") + " [" + text("cdFiles3") + "] -> ";
     const std::string ask = "ask " + text("fe2") + ": " + out + "\r\n" + text("fe3");
     EXPECT_EQ(desktop.conversation,
-              (std::vector<std::string>{save, ask + " -> no", save, ask + " -> yes",
+              (std::vector<std::string>{save + img,
+                                        "message(Exclamation) Error: The file " + img +
+                                            " was not written: it is one of the open archive's "
+                                            "own files.",
+                                        save + out, ask + " -> no", save + out, ask + " -> yes",
                                         "status: " + text("sd7")}));
+    EXPECT_EQ(test::ReadBytes(img), data);
     const std::string written = test::ReadBytes(out);
     EXPECT_EQ(written.find('#'), std::string::npos); // replaced completely
     EXPECT_TRUE(written.ends_with("a.dff                     0         2kb\r\n"));
