@@ -19,6 +19,10 @@ ReplaceResult Failed(const std::string& error) {
 } // namespace
 
 ReplaceResult ReplaceEntry(Archive& archive, std::size_t row, const std::string& path) {
+    const ArchiveLock lock = LockForWriting(archive);
+    if (!lock.held()) {
+        return Failed(lock.status().error());
+    }
     EntryTable& table = archive.table();
     if (row >= table.size()) {
         return Failed("there is no row " + std::to_string(row + 1));
