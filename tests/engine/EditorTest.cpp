@@ -152,6 +152,11 @@ TEST_F(EditorTest, ReadOnlyArchiveIsOpenedEitherWay) {
         const fs::perms perms = fs::status(folder / "ro.dir").permissions();
         EXPECT_EQ((perms & fs::perms::owner_write) != fs::perms::none, answer == "yes");
         EXPECT_EQ(editor.table().size(), 3u);
+        // Kept read-only: every change is refused with a message and the file stays.
+        const std::string before = test::ReadBytes(folder / "ro.dir");
+        editor.table().setName(0, "changed.dff");
+        EXPECT_EQ(editor.WriteDirectory(), answer == "yes");
+        EXPECT_EQ(test::ReadBytes(folder / "ro.dir") == before, answer == "no");
     }
 }
 

@@ -120,25 +120,5 @@ TEST_F(Rebuild, AFailureAtAnyStepLeavesTheOldArchiveOrTheNewOne) {
     }
 }
 
-TEST_F(Rebuild, OpeningFinishesAJournalledRebuildAndClearsAnUnjournalledOne) {
-    WriteArchive(folder / "a.img", {{0, 1, "old.dff"}}, SectorSize);
-    const RebuildFiles files = RebuildFilesFor(folder / "a.img", folder / "a.dir");
-    WriteBytes(files.newData, "");
-    WriteBytes(files.newDir, "");
-    ASSERT_TRUE(editor.OpenArchive(img())); // no journal: the leftovers go
-    EXPECT_EQ(names(), (std::vector<std::string>{"old.dff"}));
-    EXPECT_TRUE(Leftovers(folder.path()).empty());
-
-    // Journal written and the data file already renamed: the directory follows.
-    WriteBytes(folder / "a.img", "new data");
-    WriteBytes(files.newDir, EncodeDirectory({{0, 1, "new.dff"}}));
-    WriteBytes(files.journal, "korvel rebuild journal 1\n" + files.newData.string() + "\n" + img() +
-                                  "\n" + files.newDir.string() + "\n" +
-                                  (folder / "a.dir").string() + "\n");
-    ASSERT_TRUE(editor.OpenArchive(img()));
-    EXPECT_EQ(names(), (std::vector<std::string>{"new.dff"}));
-    EXPECT_TRUE(Leftovers(folder.path()).empty());
-}
-
 } // namespace
 } // namespace korvel::test
