@@ -81,44 +81,5 @@ TEST_F(Rebuild, TheConfirmationAndTheOfferOnClosing) {
     EXPECT_TRUE(desktop.said("ask").empty());
 }
 
-TEST_F(Rebuild, AFailureAtAnyStepLeavesTheOldArchiveOrTheNewOne) {
-    struct Case {
-        const char* step;
-        bool newArchive; // what the next open finds
-    };
-    const Case cases[] = {
-        {"copy", false},
-        {"rebuild-data-written", false},
-        {"rebuild-dir-written", false},
-        {"rebuild-journal-part", false},
-        {"rebuild-journal-written", true},
-        {"rebuild-data-renamed", true},
-        {"rebuild-dir-renamed", true},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.step);
-        open({{2, 1, "b.dff"}, {0, 1, "a.dff"}}, 4 * SectorSize);
-        const std::string img0 = imgBytes(), dir0 = dirBytes();
-        const std::string newImg =
-            img0.substr(2 * SectorSize, SectorSize) + img0.substr(0, SectorSize);
-        const std::string newDir = EncodeDirectory({{0, 1, "b.dff"}, {1, 1, "a.dff"}});
-        const std::string step = c.step;
-        SetStepHook(
-            [step](std::string_view at) { return at == step ? FsError("injected") : FsError(); });
-
-        EXPECT_FALSE(commands.Rebuild());
-        SetStepHook({});
-        EXPECT_EQ(desktop.said("message(Exclamation)").size(), 1u);
-
-        // A fresh editor opening the archive finds one whole pair.
-        ScriptedDesktop otherDesktop;
-        Editor other(otherDesktop, settings, folder.path());
-        ASSERT_TRUE(other.OpenArchive(img()));
-        EXPECT_EQ(imgBytes(), c.newArchive ? newImg : img0);
-        EXPECT_EQ(dirBytes(), c.newArchive ? newDir : dir0);
-        EXPECT_TRUE(Leftovers(folder.path()).empty());
-    }
-}
-
 } // namespace
 } // namespace korvel::test

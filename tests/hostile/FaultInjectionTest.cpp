@@ -1,6 +1,7 @@
 // Every write path failed at its n-th write, flush and rename, for every n it
 // reaches: the archive that the next open finds reads as the old one or the
-// new one, byte for byte, and korvel.ini is the old file or the new one.
+// new one, byte for byte, korvel.ini is the old file or the new one, and no
+// temporary file is left.
 #include "TestFolder.h"
 #include "archive/EntryOperations.h"
 #include "archive/Marker.h"
@@ -17,51 +18,50 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The directory file, and each listed entry's sectors of the data file. Bytes
-// no record lists (an append that failed) do not belong to either archive.
-std::string ArchiveAsRead(const fs::path& img, const fs::path& dir, const std::string& dirBytes) {
-    const std::string data = ReadBytes(img);
-    std::string read = dirBytes;
-    for (const DirRecord& record : DecodeDirectory(dirBytes)) {
-        std::string bytes =
-            data.substr(std::min<std::size_t>(data.size(), SectorToOffset(record.startSector)),
-                        SectorToOffset(record.sizeSectors));
-        read += "|" + bytes + std::string(SectorToOffset(record.sizeSectors) - bytes.size(), '\0');
+// The directory file and each listed entry's sectors: bytes no record lists
+// (an append that failed) belong to neither archive.
+std::string ArchiveAsRead(const fs::path& img, const fs::path& dir) {
+    const std::string data = ReadBytes(img), records = ReadBytes(dir);
+    std::string read = records;
+    for (const DirRecord& r : DecodeDirectory(records)) {
+        const std::size_t at = std::min<std::size_t>(data.size(), SectorToOffset(r.startSector));
+        std::string bytes = data.substr(at, SectorToOffset(r.sizeSectors));
+        read += "|" + bytes.append(SectorToOffset(r.sizeSectors) - bytes.size(), '\0');
     }
-    return ReadBytes(dir) == dirBytes ? read : "not this directory file";
+    return read;
 }
 
 TEST(FaultInjection, EveryWritePathLeavesTheOldArchiveOrTheNewOne) {
     TestFolder folder;
     const fs::path img = folder / "a.img", dir = folder / "a.dir", in = folder / "in";
     const std::string ini = (folder / "korvel.ini").string();
+    const auto file = [&](const char* name) { return (in / name).string(); };
     using Run = std::function<void(Archive&)>;
+    // clang-format off
     const std::map<std::string, Run> paths = {
-        {"add",
-         [&](Archive& a) {
-             AddBatch batch(a, true, {});
-             std::string name = "new.ifp";
-             (void)batch.Add((in / "new.ifp").string(), name);
-             (void)batch.Finish();
-         }},
-        {"replace in place",
-         [&](Archive& a) { (void)ReplaceEntry(a, 1, (in / "bus.txd").string()); }},
-        {"replace appended",
-         [&](Archive& a) { (void)ReplaceEntry(a, 0, (in / "car.dff").string()); }},
+        {"add", [&](Archive& a) { std::string name = "new.ifp"; AddBatch batch(a, true, {});
+                                  (void)batch.Add(file("new.ifp"), name); (void)batch.Finish(); }},
+        {"replace in place", [&](Archive& a) { (void)ReplaceEntry(a, 1, file("bus.txd")); }},
+        {"replace appended", [&](Archive& a) { (void)ReplaceEntry(a, 0, file("car.dff")); }},
         {"rename", [](Archive& a) { (void)RenameEntry(a, 0, "van.dff"); }},
         {"delete", [](Archive& a) { (void)DeleteRows(a, {0}); }},
         {"move to end", [](Archive& a) { (void)MoveRowsToEnd(a, {0}); }},
         {"marker", [](Archive& a) { (void)InsertMarker(a, "mark"); }},
         {"rebuild", [](Archive& a) { (void)RebuildArchive(a, {}); }},
-        {"quick replace",
-         [&](Archive& a) {
-             (void)ReplaceFromFolder(a, {0, 1}, in.string(), {}, {});
-         }},
-        {"settings write",
-         [&](Archive&) { Settings(ini, KORVEL_LANG_INI).WriteSetting("new", "recent1"); }},
+        {"quick replace", [&](Archive& a) { (void)ReplaceFromFolder(a, {0}, in.string(), {}, {}); }},
+        {"settings write", [&](Archive&) { Settings(ini, KORVEL_LANG_INI).WriteSetting("new", "recent1"); }},
     };
-    const auto fresh = [&] {
-        fs::remove_all(in);
+    // clang-format on
+    const auto state = [&] {
+        for (const auto& item : fs::directory_iterator(folder.path())) {
+            EXPECT_EQ(item.path().filename().string().find(".korvel"), std::string::npos);
+        }
+        return ReadBytes(ini) + "#" + ArchiveAsRead(img, dir);
+    };
+    // Runs the path failing the n-th step of `kind` and returns what the next
+    // open finds; `reached` counts the steps of each kind.
+    const auto attempt = [&](const Run& run, std::string_view kind, int n,
+                             std::map<std::string, int>& reached) {
         fs::create_directories(in);
         WriteBytes(in / "new.ifp", std::string(3000, 'n'));
         WriteBytes(in / "bus.txd", "small bus");
@@ -69,13 +69,7 @@ TEST(FaultInjection, EveryWritePathLeavesTheOldArchiveOrTheNewOne) {
         WriteArchive(img, {{2, 1, "car.dff"}, {0, 2, "bus.txd"}, {3, 1, "gap.col"}},
                      5 * SectorSize);
         Settings(ini, KORVEL_LANG_INI).WriteSetting("old", "recent1");
-    };
-    // Runs the path failing the n-th step of `kind` (0: none) and returns
-    // what the next open finds; `reached` counts the steps of each kind.
-    const auto attempt = [&](const Run& run, std::string_view kind, int n,
-                             std::map<std::string, int>& reached) {
-        fresh();
-        Archive archive;
+        Archive archive, reopened;
         EXPECT_FALSE(OpenArchiveFiles(archive, img.string()).has_value());
         SetStepHook([&](std::string_view step) {
             const std::string counted(step == "copy" ? StepWrite : step);
@@ -83,23 +77,19 @@ TEST(FaultInjection, EveryWritePathLeavesTheOldArchiveOrTheNewOne) {
         });
         run(archive);
         SetStepHook({});
-        Archive reopened;
         EXPECT_FALSE(OpenArchiveFiles(reopened, img.string()).has_value());
-        return ReadBytes(ini) + "#" + ArchiveAsRead(img, dir, ReadBytes(dir));
+        return state();
     };
     for (const auto& [name, run] : paths) {
-        std::map<std::string, int> reached;
+        std::map<std::string, int> reached, ignored; // steps of the clean run; ignored
         const std::string after = attempt(run, {}, 0, reached);
-        fresh();
-        const std::string before = ReadBytes(ini) + "#" + ArchiveAsRead(img, dir, ReadBytes(dir));
+        const std::string before = attempt([](Archive&) {}, {}, 0, ignored);
         EXPECT_NE(after, before) << name;
         for (const std::string_view kind : {StepWrite, StepFlush, StepRename}) {
-            const int count = reached[std::string(kind)];
-            for (int n = 1; n <= count; ++n) {
-                SCOPED_TRACE(name + ": " + std::string(kind) + " " + std::to_string(n) + " of " +
-                             std::to_string(count));
-                std::map<std::string, int> ignored;
-                const std::string found = attempt(run, kind, n, ignored);
+            for (int n = 1, count = reached[std::string(kind)]; n <= count; ++n) {
+                SCOPED_TRACE(name + ": " + std::string(kind) + " " + std::to_string(n));
+                std::map<std::string, int> counting;
+                const std::string found = attempt(run, kind, n, counting);
                 EXPECT_TRUE(found == before || found == after);
             }
         }
