@@ -18,6 +18,12 @@ struct ArchiveFiles : ::testing::Test {
     TestFolder folder;
     fs::path img = folder / "a.img", dir = folder / "a.dir";
     RebuildFiles files = RebuildFilesFor(img, dir);
+    // Every verb that writes, after the archive's path.
+    // clang-format off
+    const std::vector<std::vector<std::string>> writes = {{"delete", "car.dff"}, {"rename", "car.dff", "van.dff"},
+        {"add", img.string()}, {"replace", "car.dff", img.string()}, {"move-to-end", "car.dff"}, {"lowercase", "--all"},
+        {"marker"}, {"quick-replace", folder.path().string()}, {"rebuild"}};
+    // clang-format on
     ArchiveFiles() { make(); }
     void make() const { WriteArchive(img, {{0, 1, "car.dff"}, {2, 1, "bus.txd"}}, 3 * SectorSize); }
     std::string pair() const { return ReadBytes(img) + "|" + ReadBytes(dir); }
@@ -51,15 +57,12 @@ TEST_F(ArchiveFiles, AJournalActsOnlyWhenItMatchesTheNewPairBesideIt) {
         WriteBytes(files.journal, c.journal);
         const std::string before = pair();
         const CliResult listed = RunCli({"list", img.string()});
-        EXPECT_EQ(listed.out.rfind(c.finished ? "new.dff" : "car.dff", 0), 0u) << listed.out;
         EXPECT_EQ(pair(), c.finished ? std::string(SectorSize, 'n') + "|" + newDir : before);
         EXPECT_EQ(fs::exists(files.journal), !c.finished);
         EXPECT_EQ(listed.err.find("korvel-cli: Ignored " + files.journal.string()) == 0,
                   !c.finished);
         EXPECT_EQ(ReadBytes(victim), "keep");
         fs::remove(files.journal);
-        RunCli({"list", img.string()}); // no journal: the leftovers go
-        EXPECT_FALSE(fs::exists(files.newData) || fs::exists(files.newDir));
     }
 }
 
@@ -67,12 +70,7 @@ TEST_F(ArchiveFiles, AJournalActsOnlyWhenItMatchesTheNewPairBesideIt) {
 // holds the lock or a file is read-only; reading works and leaves the files
 // of a rebuild in progress alone.
 TEST_F(ArchiveFiles, WritesAreRefusedWhileLockedOrReadOnly) {
-    const std::string file = img.string(), before = pair();
-    // clang-format off
-    const std::vector<std::vector<std::string>> writes = {{"delete", "car.dff"}, {"rename", "car.dff", "van.dff"},
-        {"add", file}, {"replace", "car.dff", file}, {"move-to-end", "car.dff"}, {"lowercase", "--all"}, {"marker"},
-        {"quick-replace", folder.path().string()}, {"rebuild"}};
-    // clang-format on
+    const std::string before = pair();
     for (const fs::path& readOnly : {fs::path(), img, dir}) {
         std::optional<ArchiveLock> held;
         if (readOnly.empty()) {
@@ -98,38 +96,35 @@ TEST_F(ArchiveFiles, WritesAreRefusedWhileLockedOrReadOnly) {
     }
 }
 
-// Through links every write changes the real archive, which keeps its mode
-// and owner; the links stay links.
+// Through links every write changes the real archive as it would a plain
+// pair, the real files keep their mode and owner, and the links stay links.
 TEST_F(ArchiveFiles, WritesThroughLinksChangeTheTargetAndKeepModeAndOwner) {
     fs::create_directory(folder / "real");
     const fs::path realImg = folder / "real" / "r.img", realDir = folder / "real" / "r.dir";
     const auto mode = fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read;
-    for (const std::string verb : {"delete", "rename", "marker", "rebuild"}) {
-        const std::vector<std::string> args = {verb, img.string(), "car.dff", "van.dff"};
-        std::string plain; // the same verb on a plain pair
+    const bool root = ::geteuid() == 0; // only root may give a file to someone else
+    for (std::vector<std::string> args : writes) {
+        args.insert(args.begin() + 1, img.string());
+        std::string plain;
         for (const bool linked : {false, true}) {
-            SCOPED_TRACE(verb + (linked ? " linked" : ""));
+            SCOPED_TRACE(args[0] + (linked ? " linked" : ""));
             make();
             if (linked) {
                 fs::rename(img, realImg), fs::rename(dir, realDir);
                 fs::permissions(realImg, mode), fs::permissions(realDir, mode);
-                ASSERT_EQ(::chown(realImg.c_str(), 4321, 4321) == 0, ::geteuid() == 0);
+                ASSERT_TRUE(!root || ::chown(realImg.c_str(), 4321, 4321) == 0);
                 fs::create_symlink("real/r.img", img), fs::create_symlink(realDir, dir);
             }
-            EXPECT_EQ(RunCli({args.begin(), args.begin() + (verb == "rename"   ? 4
-                                                            : verb == "delete" ? 3
-                                                                               : 2)})
-                          .exitCode,
-                      0);
+            EXPECT_EQ(RunCli(args).exitCode, 0);
             plain = linked ? plain : pair();
             EXPECT_EQ(pair(), plain);
         }
         EXPECT_TRUE(fs::is_symlink(img) && fs::is_symlink(dir));
-        EXPECT_EQ(fs::status(realImg).permissions(), mode);
-        EXPECT_EQ(fs::status(realDir).permissions(), mode);
+        EXPECT_TRUE(fs::status(realImg).permissions() == mode &&
+                    fs::status(realDir).permissions() == mode);
         struct stat info {};
         EXPECT_TRUE(::stat(realImg.c_str(), &info) == 0 &&
-                    (::geteuid() != 0 || info.st_uid == 4321));
+                    info.st_uid == (root ? 4321 : ::geteuid()));
         fs::remove(img), fs::remove(dir);
     }
 }
