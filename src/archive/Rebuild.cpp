@@ -46,10 +46,16 @@ std::optional<std::uint64_t> ParseNumber(std::string_view text) {
     return value;
 }
 
+bool IsRegularFile(const fs::path& path) {
+    std::error_code ec;
+    return fs::is_regular_file(fs::symlink_status(path, ec));
+}
+
 // The journal's bytes, read with a small bound whatever the file's size.
 std::optional<std::string> ReadJournalBytes(const fs::path& journal) {
     File in;
-    if (!in.open(journal, File::Mode::Read).empty()) {
+    // Ours is a regular file; a link, a FIFO or a device is never read.
+    if (!IsRegularFile(journal) || !in.open(journal, File::Mode::Read).empty()) {
         return std::nullopt;
     }
     std::string text(MaxJournalBytes + 1, '\0');
@@ -65,11 +71,6 @@ std::optional<std::string> ReadJournalBytes(const fs::path& journal) {
 bool Stands(const fs::path& path) {
     std::error_code ec;
     return fs::exists(fs::symlink_status(path, ec));
-}
-
-bool IsRegularFile(const fs::path& path) {
-    std::error_code ec;
-    return fs::is_regular_file(fs::symlink_status(path, ec));
 }
 
 // Whether `path` is a regular file of `length` bytes (and, for a directory

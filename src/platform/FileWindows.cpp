@@ -170,7 +170,7 @@ LockFile::Result LockFile::lock(const std::filesystem::path& path, FsError& erro
     // The file goes when its last handle closes, so nothing is left behind;
     // while it is being removed others cannot open it, which counts as busy.
     const HANDLE handle =
-        ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE,
+        ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE | DELETE,
                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_ALWAYS,
                       FILE_ATTRIBUTE_NORMAL | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
     if (handle == INVALID_HANDLE_VALUE) {

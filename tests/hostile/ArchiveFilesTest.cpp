@@ -44,7 +44,7 @@ TEST_F(ArchiveFiles, AJournalActsOnlyWhenItMatchesTheNewPairBesideIt) {
     } const cases[] = {
         // clang-format off
         {paths + victim + "\n" + dir.string() + "\n", false, false}, {"korvel rebuild journal 1\nv\n../x\nv\na.dir\n", false, false},
-        {std::string(8 << 20, '\n'), false, false}, {journal(SectorSize + 1, 0), false, false},
+        {std::string(8 << 20, '\n'), false, false}, {"FIFO", false, false}, {journal(SectorSize + 1, 0), false, false},
         {journal(SectorSize, 1), true, false}, {journal(SectorSize, 0) + "\n", false, false},
         {journal(SectorSize, 0), false, true}, {journal(SectorSize, 0), true, true},
         // clang-format on
@@ -54,7 +54,8 @@ TEST_F(ArchiveFiles, AJournalActsOnlyWhenItMatchesTheNewPairBesideIt) {
         make();
         WriteBytes(c.dataRenamed ? img : files.newData, std::string(SectorSize, 'n'));
         WriteBytes(files.newDir, newDir);
-        WriteBytes(files.journal, c.journal);
+        c.journal == "FIFO" ? (void)::mkfifo(files.journal.c_str(), 0600)
+                            : WriteBytes(files.journal, c.journal);
         const std::string before = pair();
         const CliResult listed = RunCli({"list", img.string()});
         EXPECT_EQ(pair(), c.finished ? std::string(SectorSize, 'n') + "|" + newDir : before);
