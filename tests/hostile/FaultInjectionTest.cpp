@@ -18,27 +18,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The directory file and each listed entry's sectors: bytes no record lists
-// (an append that failed) belong to neither archive.
-std::string ArchiveAsRead(const fs::path& img, const fs::path& dir) {
-    const std::string data = ReadBytes(img), records = ReadBytes(dir);
-    std::string read = records;
-    for (const DirRecord& r : DecodeDirectory(records)) {
-        const std::size_t at = std::min<std::size_t>(data.size(), SectorToOffset(r.startSector));
-        std::string bytes = data.substr(at, SectorToOffset(r.sizeSectors));
-        read += "|" + bytes.append(SectorToOffset(r.sizeSectors) - bytes.size(), '\0');
-    }
-    return read;
-}
-
 TEST(FaultInjection, EveryWritePathLeavesTheOldArchiveOrTheNewOne) {
     TestFolder folder;
     const fs::path img = folder / "a.img", dir = folder / "a.dir", in = folder / "in";
     const std::string ini = (folder / "korvel.ini").string();
     const auto file = [&](const char* name) { return (in / name).string(); };
-    using Run = std::function<void(Archive&)>;
     // clang-format off
-    const std::map<std::string, Run> paths = {
+    const std::map<std::string, std::function<void(Archive&)>> paths = {
         {"add", [&](Archive& a) { std::string name = "new.ifp"; AddBatch batch(a, true, {});
                                   (void)batch.Add(file("new.ifp"), name); (void)batch.Finish(); }},
         {"replace in place", [&](Archive& a) { (void)ReplaceEntry(a, 1, file("bus.txd")); }},
@@ -56,11 +42,20 @@ TEST(FaultInjection, EveryWritePathLeavesTheOldArchiveOrTheNewOne) {
         for (const auto& item : fs::directory_iterator(folder.path())) {
             EXPECT_EQ(item.path().filename().string().find(".korvel"), std::string::npos);
         }
-        return ReadBytes(ini) + "#" + ArchiveAsRead(img, dir);
+        // The directory file and each listed entry's sectors: bytes no record
+        // lists (an append that failed) belong to neither archive.
+        const std::string data = ReadBytes(img), records = ReadBytes(dir);
+        std::string read = ReadBytes(ini) + "#" + records;
+        for (const DirRecord& r : DecodeDirectory(records)) {
+            std::string bytes =
+                data.substr(std::min<std::size_t>(data.size(), SectorToOffset(r.startSector)),
+                            SectorToOffset(r.sizeSectors));
+            read += "|" + bytes.append(SectorToOffset(r.sizeSectors) - bytes.size(), '\0');
+        }
+        return read;
     };
-    // Runs the path failing the n-th step of `kind` and returns what the next
-    // open finds; `reached` counts the steps of each kind.
-    const auto attempt = [&](const Run& run, std::string_view kind, int n,
+    // The next open after failing the n-th step of `kind`; `reached` counts steps.
+    const auto attempt = [&](const std::function<void(Archive&)>& run, std::string_view kind, int n,
                              std::map<std::string, int>& reached) {
         fs::create_directories(in);
         WriteBytes(in / "new.ifp", std::string(3000, 'n'));
