@@ -222,7 +222,8 @@ ArchiveLock LockForWriting(const Archive& archive) {
         return ArchiveLock::Refused("no archive is open");
     }
     for (const std::string& path : {archive.dataPath(), archive.dirPath()}) {
-        if (!IsWritable(path)) {
+        // A file that has gone is left to the write to recreate or report.
+        if (FileExists(path) && !IsWritable(path)) {
             return ArchiveLock::Refused(path +
                                         " is read-only, so the archive cannot be changed; nothing "
                                         "was changed.");

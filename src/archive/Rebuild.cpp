@@ -79,7 +79,8 @@ bool HasLength(const fs::path& path, std::uint64_t length) {
     return IsRegularFile(path) && FileLength(path) == length;
 }
 bool IsDirectoryFile(const fs::path& path, std::uint64_t length, std::uint64_t checksum) {
-    if (!HasLength(path, length)) {
+    // Never longer than the most records a directory holds, so it is cheap to read.
+    if (length > std::uint64_t{MaxRecords} * RecordSize || !HasLength(path, length)) {
         return false;
     }
     FsError error;
