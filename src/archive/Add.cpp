@@ -132,6 +132,10 @@ AddOutcome AddBatch::DataFailure(std::string error) {
 }
 
 AddOutcome AddBatch::Add(const std::string& path, std::string& name) {
+    const ArchiveLock lock = LockForWriting(archive_);
+    if (!lock.held()) {
+        return Failure(lock.status().error());
+    }
     EntryTable& table = archive_.table();
     const bool scan = scan_ && name != MarkerName && decide_;
     for (std::size_t from = 0; scan;) {

@@ -3,10 +3,15 @@
 #include "archive/Format.h"
 #include "archive/RebuildJournal.h"
 #include "platform/Cp1252.h"
+#include "platform/FileCopy.h"
 #include "platform/FileSystem.h"
 #include "platform/OutputFile.h"
 
 #include <system_error>
+
+#include <map>
+#include <memory>
+#include <mutex>
 
 namespace korvel {
 namespace {
@@ -75,6 +80,10 @@ Status Archive::ReadDirectory(const std::string& dataPath, const std::string& di
 }
 
 Status Archive::WriteDirectory() {
+    const ArchiveLock lock = LockForWriting(*this);
+    if (!lock.held()) {
+        return lock.status();
+    }
     for (std::size_t row = 0; row < table_.size(); ++row) {
         if (table_[row].name.size() > NameFieldSize) {
             table_.setName(row, table_[row].name.substr(0, NameFieldSize));
@@ -106,14 +115,17 @@ void Archive::Close() {
 
 std::optional<OpenFailure>
 OpenArchiveFiles(Archive& archive, const std::string& dataPath,
-                 const std::function<void(const std::string&, const std::string&)>& beforeReading) {
+                 const std::function<void(const std::string&, const std::string&)>& beforeReading,
+                 std::string* recoveryNotice) {
     if (DirectoryIsDataFile(dataPath)) {
         archive.Close();
         return OpenFailure{OpenFailure::Step::NotAnArchive,
                            dataPath + " is not an archive's data file: its directory file would "
                                       "be the file itself. Give the data file the extension .img."};
     }
-    RecoverInterruptedRebuild(dataPath);
+    if (auto notice = RecoverInterruptedRebuild(dataPath); notice && recoveryNotice) {
+        *recoveryNotice = std::move(*notice);
+    }
     const std::string dirPath = DirectoryPathFor(dataPath).string();
     if (!FileExists(dataPath)) {
         archive.Close();
@@ -130,6 +142,97 @@ OpenArchiveFiles(Archive& archive, const std::string& dataPath,
         return OpenFailure{OpenFailure::Step::DirectoryUnreadable, read.error()};
     }
     return std::nullopt;
+}
+
+namespace {
+
+// The locks this process holds, by lock file, with how many holders each.
+struct HeldLock {
+    LockFile file;
+    int holders = 0;
+};
+std::mutex& HeldLocksMutex() {
+    static std::mutex mutex;
+    return mutex;
+}
+std::map<std::string, std::unique_ptr<HeldLock>>& HeldLocks() {
+    static std::map<std::string, std::unique_ptr<HeldLock>> locks;
+    return locks;
+}
+
+} // namespace
+
+ArchiveLock ArchiveLock::Take(const std::filesystem::path& dataPath) {
+    const std::filesystem::path lockPath =
+        RebuildFilesFor(dataPath, DirectoryPathFor(dataPath)).lock;
+    ArchiveLock lock;
+    lock.key_ = lockPath.string();
+    const std::lock_guard<std::mutex> guard(HeldLocksMutex());
+    auto& held = HeldLocks()[lock.key_];
+    if (!held) {
+        held = std::make_unique<HeldLock>();
+    }
+    if (held->holders == 0) {
+        FsError error;
+        switch (held->file.lock(lockPath, error)) {
+        case LockFile::Result::Locked:
+            break;
+        case LockFile::Result::Busy:
+            lock.state_ = State::Busy;
+            lock.why_ = "The archive " + dataPath.string() +
+                        " is in use by another Korvel; nothing was changed. Try again when it "
+                        "has finished.";
+            return lock;
+        case LockFile::Result::Failed:
+            lock.why_ = "cannot lock the archive " + dataPath.string() + " (" + lockPath.string() +
+                        "): " + error;
+            return lock;
+        }
+    }
+    ++held->holders;
+    lock.state_ = State::Held;
+    return lock;
+}
+
+ArchiveLock::ArchiveLock(ArchiveLock&& other) noexcept
+    : state_(other.state_), key_(std::move(other.key_)), why_(std::move(other.why_)) {
+    other.state_ = State::Failed;
+}
+
+ArchiveLock::~ArchiveLock() {
+    if (state_ != State::Held) {
+        return;
+    }
+    const std::lock_guard<std::mutex> guard(HeldLocksMutex());
+    auto found = HeldLocks().find(key_);
+    if (found != HeldLocks().end() && --found->second->holders == 0) {
+        found->second->file.release();
+    }
+}
+
+Status ArchiveLock::status() const {
+    return held() ? Status::Ok() : Status::Failed(why_);
+}
+
+ArchiveLock ArchiveLock::Refused(std::string why) {
+    ArchiveLock lock;
+    lock.why_ = std::move(why);
+    return lock;
+}
+
+ArchiveLock LockForWriting(const Archive& archive) {
+    if (!archive.isOpen()) {
+        return ArchiveLock::Refused("no archive is open");
+    }
+    for (const std::string& path : {archive.dataPath(), archive.dirPath()}) {
+        // A file that has gone is left to the write to recreate or report.
+        if (FileExists(path) && !IsWritable(path)) {
+            return ArchiveLock::Refused(path +
+                                        " is read-only, so the archive cannot be changed; nothing "
+                                        "was changed.");
+        }
+    }
+    return ArchiveLock::Take(archive.dataPath());
 }
 
 bool DirectoryIsDataFile(const std::string& dataPath) {

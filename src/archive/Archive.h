@@ -8,6 +8,7 @@
 #include "platform/Status.h"
 
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
@@ -71,11 +72,51 @@ struct OpenFailure {
 // follows: a rebuild cut short is finished or cleared first, the directory
 // file is found, both files must exist, `beforeReading` (if given) runs with
 // both paths (the window asks about read-only files there), then the
-// directory is read. Nothing when the archive is open.
+// directory is read. Nothing when the archive is open. What the recovery had
+// to say (a journal it did not trust) goes to `recoveryNotice`, opened or not.
 std::optional<OpenFailure>
 OpenArchiveFiles(Archive& archive, const std::string& dataPath,
                  const std::function<void(const std::string& dataPath, const std::string& dirPath)>&
-                     beforeReading = {});
+                     beforeReading = {},
+                 std::string* recoveryNotice = nullptr);
+
+// The advisory lock on an archive, held by every change to its files and by
+// the recovery of an interrupted rebuild, so that a second Korvel (window or
+// command line) neither writes at the same time nor clears the temporary
+// files of a rebuild in progress. Reading needs no lock: a rebuild replaces
+// the old pair only by its final renames. The lock belongs to the archive's
+// data file (its link target), is taken without waiting, and within one
+// process may be taken again by an operation that another one calls.
+class ArchiveLock {
+public:
+    enum class State { Held, Busy, Failed };
+    // Takes the lock on the archive whose data file is `dataPath`.
+    static ArchiveLock Take(const std::filesystem::path& dataPath);
+    // A lock not taken, for the reason given.
+    static ArchiveLock Refused(std::string why);
+
+    ArchiveLock(ArchiveLock&& other) noexcept;
+    ArchiveLock& operator=(ArchiveLock&&) = delete;
+    ArchiveLock(const ArchiveLock&) = delete;
+    ArchiveLock& operator=(const ArchiveLock&) = delete;
+    ~ArchiveLock();
+
+    State state() const { return state_; }
+    bool held() const { return state_ == State::Held; }
+    // Why the lock is not held; Ok when it is.
+    Status status() const;
+
+private:
+    ArchiveLock() = default;
+    State state_ = State::Failed;
+    std::string key_;
+    std::string why_;
+};
+
+// Takes the lock for a change to the open archive. Refused (status says why,
+// nothing has changed) when another Korvel holds it or when one of its files
+// is not writable. Every operation that writes takes it first.
+[[nodiscard]] ArchiveLock LockForWriting(const Archive& archive);
 
 // The data file a new archive gets for a chosen path: one without ".img" gets
 // the extension (otherwise it would pair with itself as its own directory

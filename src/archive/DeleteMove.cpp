@@ -9,6 +9,11 @@ namespace {
 // `restoreOnFailure` again, which is what the old directory file lists.
 Status RemoveRowsAndWrite(Archive& archive, const std::vector<std::size_t>& rows,
                           const std::vector<Entry>& restoreOnFailure) {
+    const ArchiveLock lock = LockForWriting(archive);
+    if (!lock.held()) {
+        archive.table().assign(restoreOnFailure);
+        return lock.status();
+    }
     EntryTable& table = archive.table();
     std::vector<bool> doomed(table.size(), false);
     for (std::size_t row : rows) {

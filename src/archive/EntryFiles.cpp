@@ -33,9 +33,10 @@ std::optional<std::filesystem::path> EntryFileIn(const std::filesystem::path& fo
 }
 
 std::vector<std::filesystem::path> ArchiveOwnFiles(const Archive& archive) {
-    const RebuildFiles rebuild = RebuildFilesFor(archive.dataPath(), archive.dirPath());
-    return {archive.dataPath(), archive.dirPath(), rebuild.newData,
-            rebuild.newDir,     rebuild.journal,   rebuild.journal.string() + ".part"};
+    const RebuildFiles own = RebuildFilesFor(archive.dataPath(), archive.dirPath());
+    return {archive.dataPath(), archive.dirPath(), own.data,    own.dir,
+            own.newData,        own.newDir,        own.journal, own.journal.string() + ".part",
+            own.lock,           own.oldBytes};
 }
 
 std::uint32_t SectorsPresent(const Entry& entry, std::uint64_t dataLength) {

@@ -24,7 +24,7 @@ std::optional<std::filesystem::path> EntryFileIn(const std::filesystem::path& fo
                                                  const std::string& rawName);
 
 // The files that make up the open archive on disk: its data and directory
-// files and the temporaries and journal a rebuild keeps beside them. Nothing
+// files and what Korvel keeps beside them while changing it. Nothing
 // Korvel writes for the person may land on one of them.
 std::vector<std::filesystem::path> ArchiveOwnFiles(const Archive& archive);
 

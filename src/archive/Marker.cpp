@@ -33,6 +33,12 @@ MarkerResult InsertMarker(Archive& archive, const std::string& markText) {
         result.failed = MarkerResult::Failed::MarkerFile;
         return result;
     }
+    const ArchiveLock lock = LockForWriting(archive);
+    if (!lock.held()) {
+        result.status = lock.status();
+        result.failed = MarkerResult::Failed::Directory;
+        return result;
+    }
     if (result.status = WriteMarkerFile(markText); !result.status.ok()) {
         result.failed = MarkerResult::Failed::MarkerFile;
         return result;

@@ -54,6 +54,11 @@ QuickReplaceCounts ReplaceFromFolder(Archive& archive, const std::vector<std::si
                                      const std::function<void(std::size_t row)>& replaced) {
     EntryTable& table = archive.table();
     QuickReplaceCounts counts;
+    const ArchiveLock lock = LockForWriting(archive);
+    if (!lock.held()) {
+        counts.status = lock.status();
+        return counts;
+    }
     auto files = std::make_unique<FolderFiles>(folder);
 
     for (std::size_t row : rows) {

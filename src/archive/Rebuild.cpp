@@ -11,45 +11,14 @@
 
 #include <algorithm>
 #include <limits>
-#include <sstream>
+#include <optional>
 #include <system_error>
 
 namespace korvel {
 namespace fs = std::filesystem;
 namespace {
 
-constexpr std::string_view JournalHeader = "korvel rebuild journal 1";
-
-struct JournalPair {
-    fs::path from;
-    fs::path to;
-};
-
-std::string JournalText(const RebuildFiles& files, const fs::path& data, const fs::path& dir) {
-    std::string text(JournalHeader);
-    for (const fs::path& line : {files.newData, data, files.newDir, dir}) {
-        text += '\n' + line.string();
-    }
-    return text + '\n';
-}
-
-// The renames a journal asks for, or nothing when it is not a whole journal.
-std::optional<std::vector<JournalPair>> ReadJournal(const fs::path& journal) {
-    FsError error;
-    const auto text = ReadSmallFile(journal, error);
-    if (!text) {
-        return std::nullopt;
-    }
-    std::istringstream lines(*text);
-    std::vector<std::string> parts;
-    for (std::string line; std::getline(lines, line);) {
-        parts.push_back(line);
-    }
-    if (parts.size() != 5 || parts[0] != JournalHeader) {
-        return std::nullopt;
-    }
-    return std::vector<JournalPair>{{parts[1], parts[2]}, {parts[3], parts[4]}};
-}
+constexpr std::string_view JournalHeader = "korvel rebuild journal 2";
 
 void RemoveQuietly(const fs::path& path) {
     std::error_code ec;
@@ -60,10 +29,93 @@ fs::path PartFor(const fs::path& journal) {
     return fs::path(journal.string() + ".part");
 }
 
-FsError WriteSynced(const fs::path& path, std::string_view bytes) {
+// A decimal number of at most 20 digits that fits 64 bits, the whole of `text`.
+std::optional<std::uint64_t> ParseNumber(std::string_view text) {
+    if (text.empty() || text.size() > 20 || (text.size() > 1 && text[0] == '0')) {
+        return std::nullopt;
+    }
+    std::uint64_t value = 0;
+    for (const char c : text) {
+        if (c < '0' || c > '9') {
+            return std::nullopt;
+        }
+        const auto digit = static_cast<std::uint64_t>(c - '0');
+        if (value > (std::numeric_limits<std::uint64_t>::max() - digit) / 10) {
+            return std::nullopt;
+        }
+        value = value * 10 + digit;
+    }
+    return value;
+}
+
+bool IsRegularFile(const fs::path& path) {
+    std::error_code ec;
+    return fs::is_regular_file(fs::symlink_status(path, ec));
+}
+
+// The journal's bytes, read with a small bound whatever the file's size.
+std::optional<std::string> ReadJournalBytes(const fs::path& journal) {
+    File in;
+    // Ours is a regular file; a link, a FIFO or a device is never read.
+    if (!IsRegularFile(journal) || !in.open(journal, File::Mode::Read).empty()) {
+        return std::nullopt;
+    }
+    std::string text(MaxJournalBytes + 1, '\0');
+    std::size_t got = 0;
+    if (!in.readAt(0, text.data(), text.size(), got).empty() || got > MaxJournalBytes) {
+        return std::nullopt;
+    }
+    text.resize(got);
+    return text;
+}
+
+// Whether anything, a dangling link too, stands under `path`.
+bool Stands(const fs::path& path) {
+    std::error_code ec;
+    return fs::exists(fs::symlink_status(path, ec));
+}
+
+// Whether `path` is a regular file of `length` bytes (and, for a directory
+// file, with `checksum`).
+bool HasLength(const fs::path& path, std::uint64_t length) {
+    return IsRegularFile(path) && FileLength(path) == length;
+}
+bool IsDirectoryFile(const fs::path& path, std::uint64_t length, std::uint64_t checksum) {
+    // Never longer than the most records a directory holds, so it is cheap to read.
+    if (length > std::uint64_t{MaxRecords} * RecordSize || !HasLength(path, length)) {
+        return false;
+    }
+    FsError error;
+    const auto bytes = ReadSmallFile(path, error);
+    return bytes && bytes->size() == length && DirectoryChecksum(*bytes) == checksum;
+}
+
+// How far a journalled rebuild got, judged only by the files beside the
+// archive: the data file is renamed first, then the directory file.
+enum class RenameProgress { NoneDone, DataDone, BothDone, Mismatch };
+RenameProgress ProgressOf(const RebuildFiles& files, const RebuildJournal& journal) {
+    const bool newDirWaiting =
+        IsDirectoryFile(files.newDir, journal.dirLength, journal.dirChecksum);
+    if (HasLength(files.newData, journal.dataLength) && newDirWaiting) {
+        return RenameProgress::NoneDone;
+    }
+    const bool dataDone = !Stands(files.newData) && HasLength(files.data, journal.dataLength);
+    if (dataDone && newDirWaiting) {
+        return RenameProgress::DataDone;
+    }
+    if (dataDone && !Stands(files.newDir) &&
+        IsDirectoryFile(files.dir, journal.dirLength, journal.dirChecksum)) {
+        return RenameProgress::BothDone;
+    }
+    return RenameProgress::Mismatch;
+}
+
+FsError WriteSynced(const fs::path& path, std::string_view bytes, const fs::path& ownerAndMode) {
+    RemoveQuietly(path); // a link planted under our name is not followed
     File out;
     FsError error = out.open(path, File::Mode::CreateTruncate);
     if (error.empty()) {
+        KeepOwnerAndMode(out.fd(), ownerAndMode);
         error = out.writeAt(0, bytes);
     }
     if (error.empty()) {
@@ -75,46 +127,129 @@ FsError WriteSynced(const fs::path& path, std::string_view bytes) {
     return error;
 }
 
-FsError FinishRenames(const fs::path& journal) {
-    const auto pairs = ReadJournal(journal);
-    if (!pairs) {
-        return "the rebuild journal " + journal.string() + " cannot be read";
-    }
-    for (const JournalPair& pair : *pairs) {
-        // A rename already done before the interruption left no source.
-        if (FileExists(pair.from)) {
-            if (FsError error = RenameFile(pair.from, pair.to); !error.empty()) {
-                return error;
-            }
-        }
-    }
-    if (FsError error = SyncFolder(journal.parent_path()); !error.empty()) {
+// The last of a rebuild: once both renames are done, the journal goes.
+FsError RemoveJournal(const RebuildFiles& files) {
+    if (FsError error = SyncFolder(files.data.parent_path()); !error.empty()) {
         return error;
     }
+    if (files.dir.parent_path() != files.data.parent_path()) {
+        if (FsError error = SyncFolder(files.dir.parent_path()); !error.empty()) {
+            return error;
+        }
+    }
     std::error_code ec;
-    fs::remove(journal, ec);
+    fs::remove(files.journal, ec);
     return ec ? ec.message() : FsError{};
 }
 
 } // namespace
 
-RebuildFiles RebuildFilesFor(const fs::path& dataPath, const fs::path& dirPath) {
-    return {fs::path(dataPath.string() + ".korvel-new"), fs::path(dirPath.string() + ".korvel-new"),
-            fs::path(dataPath.string() + ".korvel-journal")};
+std::string RebuildJournalText(const RebuildJournal& journal) {
+    return std::string(JournalHeader) + "\ndata " + std::to_string(journal.dataLength) + "\ndir " +
+           std::to_string(journal.dirLength) + " " + std::to_string(journal.dirChecksum) + "\n";
 }
 
-void RecoverInterruptedRebuild(const fs::path& dataPath) {
+std::optional<RebuildJournal> ParseRebuildJournal(std::string_view text) {
+    if (text.size() > MaxJournalBytes) {
+        return std::nullopt;
+    }
+    const auto take = [&text](std::string_view prefix,
+                              char end) -> std::optional<std::string_view> {
+        if (text.substr(0, prefix.size()) != prefix) {
+            return std::nullopt;
+        }
+        text.remove_prefix(prefix.size());
+        const std::size_t at = text.find(end);
+        if (at == std::string_view::npos) {
+            return std::nullopt;
+        }
+        const std::string_view field = text.substr(0, at);
+        text.remove_prefix(at + 1);
+        return field;
+    };
+    RebuildJournal journal;
+    const auto header = take("", '\n');
+    const auto data = take("data ", '\n');
+    const auto dirLength = take("dir ", ' ');
+    const auto checksum = take("", '\n');
+    if (!header || *header != JournalHeader || !data || !dirLength || !checksum || !text.empty()) {
+        return std::nullopt;
+    }
+    const auto dataValue = ParseNumber(*data);
+    const auto dirValue = ParseNumber(*dirLength);
+    const auto checksumValue = ParseNumber(*checksum);
+    if (!dataValue || !dirValue || !checksumValue) {
+        return std::nullopt;
+    }
+    return RebuildJournal{*dataValue, *dirValue, *checksumValue};
+}
+
+std::uint64_t DirectoryChecksum(std::string_view bytes) {
+    // FNV-1a: enough to tell our new directory file from any other.
+    std::uint64_t hash = 14695981039346656037ull;
+    for (const char c : bytes) {
+        hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211ull;
+    }
+    return hash;
+}
+
+RebuildFiles RebuildFilesFor(const fs::path& dataPath, const fs::path& dirPath) {
+    const fs::path data = ResolvedPath(dataPath);
+    const fs::path dir = ResolvedPath(dirPath);
+    return {data,
+            dir,
+            fs::path(data.string() + ".korvel-new"),
+            fs::path(dir.string() + ".korvel-new"),
+            fs::path(data.string() + ".korvel-journal"),
+            fs::path(data.string() + ".korvel-lock"),
+            fs::path(data.string() + ".korvel-old")};
+}
+
+std::optional<std::string> RecoverInterruptedRebuild(const fs::path& dataPath) {
+    const ArchiveLock lock = ArchiveLock::Take(dataPath);
+    if (!lock.held()) {
+        // A rebuild in progress elsewhere, or a folder we may not change:
+        // either way its files are not ours to touch.
+        return std::nullopt;
+    }
     const RebuildFiles files = RebuildFilesFor(dataPath, DirectoryPathFor(dataPath));
     RemoveQuietly(PartFor(files.journal));
-    if (FileExists(files.journal) && ReadJournal(files.journal)) {
-        // Complete: finish it. Should that fail, the journal stays for next time.
-        (void)FinishRenames(files.journal);
-        return;
+    if (!Stands(files.journal)) {
+        // No journal: the new pair was never complete.
+        RemoveQuietly(files.newData);
+        RemoveQuietly(files.newDir);
+        return std::nullopt;
     }
-    // No whole journal: the new pair was never complete.
-    RemoveQuietly(files.journal);
-    RemoveQuietly(files.newData);
-    RemoveQuietly(files.newDir);
+    const auto bytes = ReadJournalBytes(files.journal);
+    const auto journal = bytes ? ParseRebuildJournal(*bytes) : std::nullopt;
+    const RenameProgress progress =
+        journal ? ProgressOf(files, *journal) : RenameProgress::Mismatch;
+    FsError error;
+    switch (progress) {
+    case RenameProgress::NoneDone:
+        error = RenameFile(files.newData, files.data);
+        [[fallthrough]];
+    case RenameProgress::DataDone:
+        if (error.empty()) {
+            error = RenameFile(files.newDir, files.dir);
+        }
+        [[fallthrough]];
+    case RenameProgress::BothDone:
+        if (error.empty()) {
+            error = RemoveJournal(files);
+        }
+        // Should that fail, the journal stays for next time.
+        if (!error.empty()) {
+            return "An interrupted rebuild of " + dataPath.string() +
+                   " could not be finished yet: " + error;
+        }
+        return std::nullopt;
+    case RenameProgress::Mismatch:
+        break;
+    }
+    return "Ignored " + files.journal.string() +
+           ": it is not a rebuild journal that matches the files beside it. Nothing was "
+           "changed; remove it to stop this message.";
 }
 
 namespace {
@@ -143,6 +278,7 @@ Status WriteNewData(const EntryTable& table, File& in, const fs::path& newData,
     }
     std::vector<std::uint32_t> present;
     present.reserve(table.size());
+    KeepOwnerAndModeOf(out.fd(), in.fd());
     std::uint64_t total = 0;
     for (const Entry& entry : table.rows()) {
         present.push_back(SectorsPresent(entry, dataLength));
@@ -187,23 +323,22 @@ Status WriteNewData(const EntryTable& table, File& in, const fs::path& newData,
 }
 
 // Step 2: the new directory file, flushed with its folder.
-Status WriteNewDirectory(const std::vector<DirRecord>& records, const RebuildFiles& files,
-                         const fs::path& folder) {
-    FsError error = WriteSynced(files.newDir, EncodeDirectory(records));
+Status WriteNewDirectory(const std::string& bytes, const RebuildFiles& files) {
+    FsError error = WriteSynced(files.newDir, bytes, files.dir);
     if (error.empty()) {
         error = Step("rebuild-dir-written");
     }
     if (error.empty()) {
-        error = SyncFolder(folder);
+        error = SyncFolder(files.dir.parent_path());
     }
     return error.empty() ? Status::Ok() : Status::Failed(error);
 }
 
 // Step 3: the journal, written whole under another name and renamed, so it
 // exists only once it says everything.
-Status WriteJournal(const RebuildFiles& files, const fs::path& dataPath, const fs::path& dirPath) {
+Status WriteJournal(const RebuildFiles& files, const RebuildJournal& journal) {
     const fs::path part = PartFor(files.journal);
-    FsError error = WriteSynced(part, JournalText(files, dataPath, dirPath));
+    FsError error = WriteSynced(part, RebuildJournalText(journal), {});
     if (error.empty()) {
         error = Step("rebuild-journal-part");
     }
@@ -211,7 +346,7 @@ Status WriteJournal(const RebuildFiles& files, const fs::path& dataPath, const f
         error = RenameFile(part, files.journal);
     }
     if (error.empty()) {
-        error = SyncFolder(dataPath.parent_path());
+        error = SyncFolder(files.data.parent_path());
     }
     if (!error.empty()) {
         RemoveQuietly(files.journal);
@@ -221,23 +356,22 @@ Status WriteJournal(const RebuildFiles& files, const fs::path& dataPath, const f
 }
 
 // Step 4: the renames. From here on the journal finishes what we don't.
-Status RenameNewPairIntoPlace(const RebuildFiles& files, const fs::path& dataPath,
-                              const fs::path& dirPath) {
+Status RenameNewPairIntoPlace(const RebuildFiles& files) {
     FsError error = Step("rebuild-journal-written");
     if (error.empty()) {
-        error = RenameFile(files.newData, dataPath);
+        error = RenameFile(files.newData, files.data);
     }
     if (error.empty()) {
         error = Step("rebuild-data-renamed");
     }
     if (error.empty()) {
-        error = RenameFile(files.newDir, dirPath);
+        error = RenameFile(files.newDir, files.dir);
     }
     if (error.empty()) {
         error = Step("rebuild-dir-renamed");
     }
     if (error.empty()) {
-        error = FinishRenames(files.journal);
+        error = RemoveJournal(files);
     }
     return error.empty() ? Status::Ok() : Status::Failed(error);
 }
@@ -250,28 +384,39 @@ RebuildResult RebuildArchive(const Archive& archive, const RebuildProgress& prog
         result.status = Status::Failed("no archive is open");
         return result;
     }
-    const fs::path dataPath = archive.dataPath();
-    const fs::path dirPath = archive.dirPath();
-    const RebuildFiles files = RebuildFilesFor(dataPath, dirPath);
+    const ArchiveLock lock = LockForWriting(archive);
+    if (!lock.held()) {
+        result.status = lock.status();
+        return result;
+    }
+    // Links are followed: the new pair is written beside the files they
+    // point at and renamed over those, so the links stay links.
+    const RebuildFiles files = RebuildFilesFor(archive.dataPath(), archive.dirPath());
+    RemoveNewPair(files); // nothing planted under our names is followed
 
     // The old data file stays open until its replacement is in place, so that
     // freeing it happens when we close it, off the command's time.
     File in;
     std::vector<DirRecord> records;
-    if (FsError error = in.open(dataPath, File::Mode::Read); !error.empty()) {
+    if (FsError error = in.open(files.data, File::Mode::Read); !error.empty()) {
         result.status = Status::Failed(error);
     } else {
         result.status =
             WriteNewData(archive.table(), in, files.newData, progress, records, result.cut);
     }
+    const std::string newDirectory = EncodeDirectory(records);
     if (result.status.ok()) {
         if (progress.writingDirectory) {
             progress.writingDirectory();
         }
-        result.status = WriteNewDirectory(records, files, dataPath.parent_path());
+        result.status = WriteNewDirectory(newDirectory, files);
     }
     if (result.status.ok()) {
-        result.status = WriteJournal(files, dataPath, dirPath);
+        const auto written = FileLength(files.newData);
+        result.status =
+            written ? WriteJournal(files,
+                                   {*written, newDirectory.size(), DirectoryChecksum(newDirectory)})
+                    : Status::Failed("cannot read the size of " + files.newData.string());
     }
     if (!result.status.ok()) {
         RemoveNewPair(files);
@@ -282,7 +427,7 @@ RebuildResult RebuildArchive(const Archive& archive, const RebuildProgress& prog
         (void)in.close();
     }
     result.reopen = true;
-    result.status = RenameNewPairIntoPlace(files, dataPath, dirPath);
+    result.status = RenameNewPairIntoPlace(files);
     CloseInBackground(std::move(in));
     return result;
 }

@@ -14,6 +14,10 @@ bool HasExtension(std::string_view name) {
 } // namespace
 
 Status RenameEntry(Archive& archive, std::size_t row, const std::string& rawName) {
+    const ArchiveLock lock = LockForWriting(archive);
+    if (!lock.held()) {
+        return lock.status();
+    }
     EntryTable& table = archive.table();
     if (row >= table.size()) {
         return Status::Failed("there is no row " + std::to_string(row + 1));
@@ -32,6 +36,11 @@ LowerCaseResult LowerCaseNames(Archive& archive, const std::vector<std::size_t>&
     EntryTable& table = archive.table();
     LowerCaseResult result;
     if (table.empty()) {
+        return result;
+    }
+    const ArchiveLock lock = LockForWriting(archive);
+    if (!lock.held()) {
+        result.status = lock.status();
         return result;
     }
     const std::vector<Entry> before = table.rows();

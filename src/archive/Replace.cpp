@@ -3,12 +3,15 @@
 // in the data file.
 #include "archive/EntryOperations.h"
 
+#include "archive/RebuildJournal.h"
+
 #include "platform/FileCopy.h"
 #include "platform/FileSystem.h"
 #include "platform/OutputFile.h"
 
 #include <algorithm>
 #include <limits>
+#include <optional>
 #include <system_error>
 
 namespace korvel {
@@ -40,59 +43,77 @@ bool SectorsAreOwn(const EntryTable& table, std::size_t row, std::uint64_t start
     return true;
 }
 
-// Writes the file's `n` bytes and one zero byte at `offset` over the entry's
-// old bytes. A write failing halfway must not leave the entry half new, so
-// the bytes about to be covered (only those the data file holds, at most the
-// new file's size) are first kept in a scratch file beside the archive and
-// put back on failure; a file that grew is cut back.
-FsError WriteInPlace(File& data, const File& source, const std::string& dataPath,
-                     std::uint64_t offset, std::uint64_t n) {
-    std::uint64_t oldLength = 0;
-    if (FsError error = data.length(oldLength); !error.empty()) {
-        return error;
+// The bytes an in-place write covers (only those the data file holds, at
+// most the new file's size and its zero byte), kept in a scratch file beside
+// the archive until the directory file says the new ones count: a failure at
+// any step before that puts them back, and a file that grew is cut back, so
+// the entry is wholly old or wholly new.
+class OldBytes {
+public:
+    OldBytes(std::filesystem::path scratchPath) : path_(std::move(scratchPath)) {}
+    ~OldBytes() {
+        (void)scratch_.close();
+        RemoveFile(path_);
     }
-    const std::uint64_t kept = offset >= oldLength ? 0 : std::min(n + 1, oldLength - offset);
-    const std::filesystem::path scratchPath = dataPath + ".korvel-old";
-    File scratch;
-    if (kept > 0) {
+    OldBytes(const OldBytes&) = delete;
+    OldBytes& operator=(const OldBytes&) = delete;
+
+    FsError keep(const File& data, std::uint64_t offset, std::uint64_t n) {
+        offset_ = offset;
+        if (FsError error = data.length(oldLength_); !error.empty()) {
+            return error;
+        }
+        kept_ = offset >= oldLength_ ? 0 : std::min(n + 1, oldLength_ - offset);
+        if (kept_ == 0) {
+            return {};
+        }
         // Only a file made here and now: whatever stood under the name (a
         // leftover, or a link someone placed) is not written through.
-        RemoveFile(scratchPath);
-        if (OutputOpen opened = OpenOutputFile(scratch, scratchPath, {}, OutputMode::CreateNew);
+        RemoveFile(path_);
+        if (OutputOpen opened = OpenOutputFile(scratch_, path_, {}, OutputMode::CreateNew);
             !opened.error.empty()) {
             return "cannot keep the entry's old bytes: " + opened.error;
         }
         if (OpenFilesCanBeReplaced) {
-            RemoveFile(scratchPath); // nothing stays behind, even after a crash
+            RemoveFile(path_); // nothing stays behind, even after a crash
         }
-        if (FsError error = CopyRange(data, offset, scratch, 0, kept); !error.empty()) {
-            (void)scratch.close();
-            RemoveFile(scratchPath);
-            return error;
+        return CopyRange(data, offset, scratch_, 0, kept_);
+    }
+
+    // Adds to `error` when the old bytes could not be put back.
+    void putBack(const std::string& dataPath, FsError& error) const {
+        File data;
+        FsError undo = data.open(dataPath, File::Mode::ReadWrite);
+        if (undo.empty() && kept_ > 0) {
+            undo = CopyRange(scratch_, 0, data, offset_, kept_);
         }
-    }
-    FsError error = CopyRange(source, 0, data, offset, n);
-    if (error.empty()) {
-        error = data.writeAt(offset + n, std::string_view("\0", 1));
-    }
-    if (!error.empty()) {
-        FsError undo = kept > 0 ? CopyRange(scratch, 0, data, offset, kept) : FsError();
-        std::uint64_t length = oldLength;
-        if (undo.empty() && data.length(length).empty() && length > oldLength) {
-            undo = data.truncate(oldLength);
+        std::uint64_t length = oldLength_;
+        if (undo.empty() && data.length(length).empty() && length > oldLength_) {
+            undo = data.truncate(oldLength_);
+        }
+        if (undo.empty()) {
+            undo = data.close();
         }
         if (!undo.empty()) {
             error += "; the entry's old bytes could not be put back (" + undo + ")";
         }
     }
-    (void)scratch.close();
-    RemoveFile(scratchPath);
-    return error;
-}
+
+private:
+    std::filesystem::path path_;
+    File scratch_;
+    std::uint64_t offset_ = 0;
+    std::uint64_t kept_ = 0;
+    std::uint64_t oldLength_ = 0;
+};
 
 } // namespace
 
 ReplaceResult ReplaceEntry(Archive& archive, std::size_t row, const std::string& path) {
+    const ArchiveLock lock = LockForWriting(archive);
+    if (!lock.held()) {
+        return Failed(lock.status().error());
+    }
     EntryTable& table = archive.table();
     if (row >= table.size()) {
         return Failed("there is no row " + std::to_string(row + 1));
@@ -118,11 +139,21 @@ ReplaceResult ReplaceEntry(Archive& archive, std::size_t row, const std::string&
         return Failed(error);
     }
 
+    std::optional<OldBytes> oldBytes;
     if (needed <= old.sizeSectors && SectorsAreOwn(table, row, old.startSector, needed)) {
         // Fits in the entry's own sectors: the file, one zero byte, and the
         // rest of those sectors keeps its old bytes.
-        if (FsError error = WriteInPlace(data, source, archive.dataPath(), old.byteOffset(), n);
-            !error.empty()) {
+        oldBytes.emplace(RebuildFilesFor(archive.dataPath(), archive.dirPath()).oldBytes);
+        FsError error = oldBytes->keep(data, old.byteOffset(), n);
+        if (!error.empty()) {
+            return Failed(error);
+        }
+        error = CopyRange(source, 0, data, old.byteOffset(), n);
+        if (error.empty()) {
+            error = data.writeAt(old.byteOffset() + n, std::string_view("\0", 1));
+        }
+        if (!error.empty()) {
+            oldBytes->putBack(archive.dataPath(), error);
             return Failed(error);
         }
         if (needed < old.sizeSectors) {
@@ -153,12 +184,21 @@ ReplaceResult ReplaceEntry(Archive& archive, std::size_t row, const std::string&
     }
     if (FsError error = data.close(); !error.empty()) {
         table.setPlacement(row, old.startSector, old.sizeSectors);
+        if (oldBytes) {
+            oldBytes->putBack(archive.dataPath(), error);
+        }
         return Failed(error);
     }
     if (Status written = archive.WriteDirectory(); !written.ok()) {
-        // The old directory file is still in place: the row must say what it says.
+        // The old directory file is still in place: the row must say what it
+        // says, and the entry's sectors must hold what it said.
         table.setPlacement(row, old.startSector, old.sizeSectors);
         archive.FindHighestOffset();
+        if (oldBytes) {
+            FsError error = written.error();
+            oldBytes->putBack(archive.dataPath(), error);
+            written = Status::Failed(error);
+        }
         ReplaceResult result;
         result.status = std::move(written);
         result.directoryNotWritten = true;

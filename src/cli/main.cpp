@@ -45,7 +45,11 @@ int Fail(const std::string& message) {
 Session::Session() : settings_(Settings::InMemory(LanguageFilePath())) {}
 
 bool Session::open(const std::string& path) {
-    const auto failure = OpenArchiveFiles(archive_, path);
+    std::string recoveryNotice;
+    const auto failure = OpenArchiveFiles(archive_, path, {}, &recoveryNotice);
+    if (!recoveryNotice.empty()) {
+        PrintError(recoveryNotice);
+    }
     if (!failure) {
         return true;
     }

@@ -7,6 +7,7 @@
 
 #include "platform/FileSystem.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -119,10 +120,42 @@ FsError RenameFile(const std::filesystem::path& from, const std::filesystem::pat
 // environment variable KORVEL_TEST_KILL_AT to a step's name makes the process
 // kill itself there, which is how the crash tests stop a real korvel-cli at an
 // exact moment. Without either, a step costs one getenv.
+//
+// Besides the named steps, every primitive that changes a file passes one of
+// three steps first: StepWrite (File::writeAt, File::truncate, a copy, the
+// atomic write's bytes, creating an empty file), StepFlush (File::sync,
+// SyncFolder, the atomic write's flush) and StepRename (RenameFile, the
+// atomic write's rename). Counting them lets a test fail the n-th of each.
 using StepHook = std::function<FsError(std::string_view step)>;
 // Ends the process at once, as a crash or a kill would: no clean-up runs.
 [[noreturn]] void KillThisProcess();
 void SetStepHook(StepHook hook);
 FsError Step(std::string_view step);
+inline constexpr std::string_view StepWrite = "write";
+inline constexpr std::string_view StepFlush = "flush";
+inline constexpr std::string_view StepRename = "rename";
+
+// An advisory lock through a small lock file, taken without waiting. Other
+// processes that ask for the same file get Busy until it is released; the
+// lock goes with the process should it die. Release removes the file while
+// still holding it, and taking checks that the path still names the file we
+// locked (else someone removed it in between and we try again), so removing
+// never lets two holders in at once.
+class LockFile {
+public:
+    enum class Result { Locked, Busy, Failed };
+    LockFile() = default;
+    ~LockFile();
+    LockFile(const LockFile&) = delete;
+    LockFile& operator=(const LockFile&) = delete;
+
+    // `error` says why on Failed.
+    Result lock(const std::filesystem::path& path, FsError& error);
+    void release();
+
+private:
+    std::filesystem::path path_;
+    std::intptr_t handle_ = -1;
+};
 
 } // namespace korvel

@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -97,6 +98,9 @@ FsError File::length(std::uint64_t& out) const {
 }
 
 FsError File::truncate(std::uint64_t length) {
+    if (FsError error = Step(StepWrite); !error.empty()) {
+        return error;
+    }
     return ::ftruncate(fd_, static_cast<off_t>(length)) == 0 ? FsError{} : LastError();
 }
 
@@ -111,10 +115,16 @@ void File::reserve(std::uint64_t length) {
 }
 
 FsError File::sync() {
+    if (FsError error = Step(StepFlush); !error.empty()) {
+        return error;
+    }
     return ::fsync(fd_) == 0 ? FsError{} : LastError();
 }
 
 FsError File::writeAt(std::uint64_t offset, std::string_view bytes) {
+    if (FsError error = Step(StepWrite); !error.empty()) {
+        return error;
+    }
     return WriteAllAt(fd_, offset, bytes.data(), bytes.size());
 }
 
@@ -123,6 +133,9 @@ FsError File::readAt(std::uint64_t offset, char* data, std::size_t size, std::si
 }
 
 FsError SyncFolder(const std::filesystem::path& folder) {
+    if (FsError error = Step(StepFlush); !error.empty()) {
+        return error;
+    }
     const std::filesystem::path name = folder.empty() ? "." : folder;
     const int fd = ::open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (fd < 0) {
@@ -135,7 +148,57 @@ FsError SyncFolder(const std::filesystem::path& folder) {
 }
 
 FsError RenameFile(const std::filesystem::path& from, const std::filesystem::path& to) {
+    if (FsError error = Step(StepRename); !error.empty()) {
+        return error;
+    }
     return std::rename(from.c_str(), to.c_str()) == 0 ? FsError{} : LastError();
+}
+
+LockFile::~LockFile() {
+    release();
+}
+
+LockFile::Result LockFile::lock(const std::filesystem::path& path, FsError& error) {
+    release();
+    // Each round either locks the file the path names or finds that a holder
+    // removed it on release; a few rounds are plenty.
+    for (int round = 0; round < 16; ++round) {
+        const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0644);
+        if (fd < 0) {
+            error = LastError();
+            return Result::Failed;
+        }
+        if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
+            const int saved = errno;
+            ::close(fd);
+            if (saved == EWOULDBLOCK || saved == EINTR) {
+                return Result::Busy;
+            }
+            error = SystemErrorText(saved);
+            return Result::Failed;
+        }
+        struct stat held {};
+        struct stat named {};
+        if (::fstat(fd, &held) == 0 && ::lstat(path.c_str(), &named) == 0 &&
+            held.st_dev == named.st_dev && held.st_ino == named.st_ino) {
+            path_ = path;
+            handle_ = fd;
+            return Result::Locked;
+        }
+        ::close(fd);
+    }
+    error = SystemErrorText(EAGAIN);
+    return Result::Failed;
+}
+
+void LockFile::release() {
+    if (handle_ < 0) {
+        return;
+    }
+    ::unlink(path_.c_str()); // while still holding: see lock()
+    ::close(static_cast<int>(handle_));
+    handle_ = -1;
+    path_.clear();
 }
 
 void KillThisProcess() {

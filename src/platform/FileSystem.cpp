@@ -1,4 +1,5 @@
 #include "platform/FileSystem.h"
+#include "platform/FileCopy.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -9,6 +10,7 @@
 
 #ifndef _WIN32
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #endif
 
@@ -43,6 +45,67 @@ bool IsReadOnly(const fs::path& path) {
     return (status.permissions() & writable) == fs::perms::none;
 }
 
+bool IsWritable(const fs::path& path) {
+    if (!FileExists(path) || IsReadOnly(path)) {
+        return false;
+    }
+#ifdef _WIN32
+    return true;
+#else
+    return ::access(path.c_str(), W_OK) == 0;
+#endif
+}
+
+fs::path ResolvedPath(const fs::path& path) {
+    std::error_code ec;
+    fs::path absolute = fs::absolute(path, ec);
+    if (ec) {
+        absolute = path;
+    }
+    fs::path resolved = fs::weakly_canonical(absolute, ec);
+    return ec ? absolute.lexically_normal() : resolved;
+}
+
+#ifndef _WIN32
+namespace {
+
+void TakeOwnerAndMode(int fd, const struct stat& old) {
+    // Only an administrator may give a file away; anyone may pass it to a
+    // group they belong to. The mode comes last, as a change of owner clears
+    // the set-id bits.
+    if (::fchown(fd, old.st_uid, old.st_gid) != 0) {
+        (void)::fchown(fd, static_cast<uid_t>(-1), old.st_gid);
+    }
+    (void)::fchmod(fd, old.st_mode & 07777);
+}
+
+} // namespace
+#endif
+
+void KeepOwnerAndMode(int fd, const fs::path& model) {
+#ifdef _WIN32
+    (void)fd;
+    (void)model;
+#else
+    struct stat old {};
+    if (!model.empty() && ::stat(model.c_str(), &old) == 0) {
+        TakeOwnerAndMode(fd, old);
+    }
+#endif
+}
+
+void KeepOwnerAndModeOf(int fd, int modelFd) {
+#ifdef _WIN32
+    (void)fd;
+    (void)modelFd;
+#else
+    struct stat old {};
+    if (::fstat(modelFd, &old) == 0) {
+        TakeOwnerAndMode(fd, old);
+    }
+#endif
+}
+
 FsError ClearAttributes(const fs::path& path) {
     std::error_code ec;
     fs::permissions(path, fs::perms::owner_read | fs::perms::owner_write, fs::perm_options::add,
@@ -64,23 +127,36 @@ std::optional<std::string> ReadSmallFile(const fs::path& path, FsError& error) {
     return content;
 }
 
-FsError WriteFileAtomically(const fs::path& path, std::string_view bytes) {
+FsError WriteFileAtomically(const fs::path& requested, std::string_view bytes) {
     static std::mt19937_64 random{std::random_device{}()};
+    const fs::path path = ResolvedPath(requested);
     const fs::path temporary =
         path.parent_path() / (".korvel-" + std::to_string(random() % 1000000000) + ".tmp");
+    const auto failed = [&temporary](FsError error) {
+        std::error_code ignored;
+        fs::remove(temporary, ignored);
+        return error;
+    };
 #ifdef _WIN32
     {
+        if (FsError error = Step(StepWrite); !error.empty()) {
+            return error;
+        }
         std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
         out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        if (FsError error = Step(StepFlush); !error.empty()) {
+            return failed(error);
+        }
         out.flush();
         if (!out) {
-            std::error_code ignored;
-            fs::remove(temporary, ignored);
-            return "could not write " + temporary.string();
+            return failed("could not write " + temporary.string());
         }
     }
 #else
-    const int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    if (FsError error = Step(StepWrite); !error.empty()) {
+        return error;
+    }
+    const int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
     if (fd < 0) {
         return SystemErrorText(errno);
     }
@@ -94,36 +170,34 @@ FsError WriteFileAtomically(const fs::path& path, std::string_view bytes) {
             }
             const int saved = errno;
             ::close(fd);
-            ::unlink(temporary.c_str());
-            return SystemErrorText(saved);
+            return failed(SystemErrorText(saved));
         }
         data += written;
         left -= static_cast<std::size_t>(written);
     }
-    if (::fsync(fd) != 0 || ::close(fd) != 0) {
-        const int saved = errno;
-        ::unlink(temporary.c_str());
-        return SystemErrorText(saved);
+    // Keep the mode and owner of the file we replace (a read-only directory
+    // file the person chose to keep read-only stays so).
+    KeepOwnerAndMode(fd, path);
+    if (FsError error = Step(StepFlush); !error.empty()) {
+        ::close(fd);
+        return failed(error);
     }
-    // Keep the permissions of the file we replace (a read-only directory file
-    // the person chose to keep read-only stays so).
-    std::error_code ec;
-    const auto old = fs::status(path, ec);
-    if (!ec && fs::exists(old)) {
-        fs::permissions(temporary, old.permissions(), ec);
+    const bool synced = ::fsync(fd) == 0;
+    const int syncError = errno;
+    if (::close(fd) != 0 || !synced) {
+        return failed(SystemErrorText(synced ? errno : syncError));
     }
 #endif
-    std::error_code ec2;
-    fs::rename(temporary, path, ec2);
-    if (ec2) {
-        std::error_code ignored;
-        fs::remove(temporary, ignored);
-        return ec2.message();
+    if (FsError error = RenameFile(temporary, path); !error.empty()) {
+        return failed(error);
     }
     return {};
 }
 
 FsError CreateEmptyFile(const fs::path& path) {
+    if (FsError error = Step(StepWrite); !error.empty()) {
+        return error;
+    }
     std::FILE* file = std::fopen(path.string().c_str(), "wb");
     if (file == nullptr) {
         return SystemErrorText(errno);

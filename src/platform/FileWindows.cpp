@@ -84,6 +84,9 @@ FsError File::length(std::uint64_t& out) const {
 }
 
 FsError File::truncate(std::uint64_t length) {
+    if (FsError error = Step(StepWrite); !error.empty()) {
+        return error;
+    }
     FILE_END_OF_FILE_INFO end{};
     end.EndOfFile.QuadPart = static_cast<LONGLONG>(length);
     return ::SetFileInformationByHandle(HandleOf(fd_), FileEndOfFileInfo, &end, sizeof end)
@@ -99,10 +102,16 @@ void File::reserve(std::uint64_t length) {
 }
 
 FsError File::sync() {
+    if (FsError error = Step(StepFlush); !error.empty()) {
+        return error;
+    }
     return ::FlushFileBuffers(HandleOf(fd_)) ? FsError{} : LastError();
 }
 
 FsError File::writeAt(std::uint64_t offset, std::string_view bytes) {
+    if (FsError error = Step(StepWrite); !error.empty()) {
+        return error;
+    }
     std::size_t done = 0;
     while (done < bytes.size()) {
         OVERLAPPED at = At(offset + done);
@@ -139,14 +148,64 @@ FsError File::readAt(std::uint64_t offset, char* data, std::size_t size, std::si
 FsError SyncFolder(const std::filesystem::path&) {
     // Windows has no flush for a folder's entries; the renames below are
     // written through instead.
-    return {};
+    return Step(StepFlush);
 }
 
 FsError RenameFile(const std::filesystem::path& from, const std::filesystem::path& to) {
+    if (FsError error = Step(StepRename); !error.empty()) {
+        return error;
+    }
     return ::MoveFileExW(from.c_str(), to.c_str(),
                          MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)
                ? FsError{}
                : LastError();
+}
+
+LockFile::~LockFile() {
+    release();
+}
+
+LockFile::Result LockFile::lock(const std::filesystem::path& path, FsError& error) {
+    release();
+    // The file goes when its last handle closes, so nothing is left behind;
+    // while it is being removed others cannot open it, which counts as busy.
+    const HANDLE handle =
+        ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE | DELETE,
+                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_ALWAYS,
+                      FILE_ATTRIBUTE_NORMAL | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) {
+        if (::GetLastError() == ERROR_ACCESS_DENIED ||
+            ::GetLastError() == ERROR_SHARING_VIOLATION) {
+            return Result::Busy;
+        }
+        error = LastError();
+        return Result::Failed;
+    }
+    OVERLAPPED at = At(0);
+    if (!::LockFileEx(handle, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &at)) {
+        const DWORD code = ::GetLastError();
+        ::CloseHandle(handle);
+        if (code == ERROR_LOCK_VIOLATION || code == ERROR_IO_PENDING) {
+            return Result::Busy;
+        }
+        error = std::system_category().message(static_cast<int>(code));
+        return Result::Failed;
+    }
+    path_ = path;
+    handle_ = reinterpret_cast<std::intptr_t>(handle);
+    return Result::Locked;
+}
+
+void LockFile::release() {
+    if (handle_ == -1) {
+        return;
+    }
+    const auto handle = reinterpret_cast<HANDLE>(handle_);
+    OVERLAPPED at = At(0);
+    ::UnlockFileEx(handle, 0, 1, 0, &at);
+    ::CloseHandle(handle);
+    handle_ = -1;
+    path_.clear();
 }
 
 void KillThisProcess() {

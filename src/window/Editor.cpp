@@ -74,7 +74,12 @@ bool Editor::OpenArchive(const std::string& path) {
             }
         }
     };
-    if (const auto failure = OpenArchiveFiles(archive_, path, askAboutReadOnly)) {
+    std::string recoveryNotice;
+    const auto failure = OpenArchiveFiles(archive_, path, askAboutReadOnly, &recoveryNotice);
+    if (!recoveryNotice.empty()) {
+        desktop_.ShowMessage(recoveryNotice, "", MessageIcon::Exclamation);
+    }
+    if (failure) {
         switch (failure->step) {
         case OpenFailure::Step::DataFileMissing:
             desktop_.ShowMessage(text("openArchive1") + "\n" + failure->detail, text("invalidFL"),

@@ -116,21 +116,26 @@ TEST_F(EntryVerbs, RefusalsSayWhyInOneLine) {
 }
 
 TEST_F(EntryVerbs, KillingARebuildAtAnyMomentLeavesAWholeArchive) {
-    const std::string img = make("crash.img"), old = pair(img);
+    const std::string img = make("crash\n.img"), old = pair(img);
     ASSERT_EQ(RunCli({"rebuild", img}).exitCode, 0);
     const std::string rebuilt = pair(img);
-    // The next open finds the old pair until the journal is whole, then the new; nothing else.
+    // The next open, from another working folder, finds the old pair until the journal is
+    // whole, then the new; nothing else.
     // clang-format off
     const char* const steps[] = {"copy", "rebuild-data-written", "rebuild-dir-written", "rebuild-journal-part",
                                  "rebuild-journal-written", "rebuild-data-renamed", "rebuild-dir-renamed"};
     // clang-format on
+    const fs::path workingFolder = fs::current_path();
     for (std::size_t i = 0; i < std::size(steps); ++i) {
         SCOPED_TRACE(steps[i]);
-        make("crash.img");
+        make("crash\n.img");
         setenv("KORVEL_TEST_KILL_AT", steps[i], 1);
-        EXPECT_EQ(RunCli({"rebuild", img}).exitCode, 128 + SIGKILL);
+        fs::current_path(folder.path());
+        EXPECT_EQ(RunCli({"rebuild", "crash\n.img"}).exitCode, 128 + SIGKILL);
         unsetenv("KORVEL_TEST_KILL_AT");
-        EXPECT_EQ(RunCli({"list", img}).exitCode, 0);
+        fs::current_path(folder / "in");
+        EXPECT_EQ(RunCli({"list", "../crash\n.img"}).exitCode, 0);
+        fs::current_path(workingFolder);
         EXPECT_EQ(pair(img), i < 4 ? old : rebuilt);
         for (const auto& item : fs::directory_iterator(folder.path())) {
             EXPECT_EQ(item.path().filename().string().find(".korvel"), std::string::npos);

@@ -1,23 +1,10 @@
 #include "EntryFixture.h"
-#include "archive/RebuildJournal.h"
 
 namespace korvel::test {
 namespace {
 
 namespace fs = std::filesystem;
 using Rebuild = EntryFixture;
-
-// Files beside the archive other than the pair itself (leftovers).
-std::vector<std::string> Leftovers(const fs::path& folder) {
-    std::vector<std::string> out;
-    for (const auto& item : fs::directory_iterator(folder)) {
-        const std::string name = item.path().filename().string();
-        if (name.find(".korvel") != std::string::npos) {
-            out.push_back(name);
-        }
-    }
-    return out;
-}
 
 TEST_F(Rebuild, CopiesEntriesInRowOrderIntoACompactPair) {
     const std::string name24 = "abcdefghijklmnopqrstu.dff";
@@ -52,7 +39,6 @@ TEST_F(Rebuild, CopiesEntriesInRowOrderIntoACompactPair) {
     EXPECT_EQ(desktop.status, text("rebuild5"));
     const auto statuses = desktop.said("status");
     EXPECT_EQ(statuses.front(), "status: " + text("rebuild3") + " 1 " + text("adding2") + " 5");
-    EXPECT_TRUE(Leftovers(folder.path()).empty());
 }
 
 TEST_F(Rebuild, TheConfirmationAndTheOfferOnClosing) {
@@ -79,65 +65,6 @@ TEST_F(Rebuild, TheConfirmationAndTheOfferOnClosing) {
     desktop.conversation.clear();
     editor.CloseArchive();
     EXPECT_TRUE(desktop.said("ask").empty());
-}
-
-TEST_F(Rebuild, AFailureAtAnyStepLeavesTheOldArchiveOrTheNewOne) {
-    struct Case {
-        const char* step;
-        bool newArchive; // what the next open finds
-    };
-    const Case cases[] = {
-        {"copy", false},
-        {"rebuild-data-written", false},
-        {"rebuild-dir-written", false},
-        {"rebuild-journal-part", false},
-        {"rebuild-journal-written", true},
-        {"rebuild-data-renamed", true},
-        {"rebuild-dir-renamed", true},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.step);
-        open({{2, 1, "b.dff"}, {0, 1, "a.dff"}}, 4 * SectorSize);
-        const std::string img0 = imgBytes(), dir0 = dirBytes();
-        const std::string newImg =
-            img0.substr(2 * SectorSize, SectorSize) + img0.substr(0, SectorSize);
-        const std::string newDir = EncodeDirectory({{0, 1, "b.dff"}, {1, 1, "a.dff"}});
-        const std::string step = c.step;
-        SetStepHook(
-            [step](std::string_view at) { return at == step ? FsError("injected") : FsError(); });
-
-        EXPECT_FALSE(commands.Rebuild());
-        SetStepHook({});
-        EXPECT_EQ(desktop.said("message(Exclamation)").size(), 1u);
-
-        // A fresh editor opening the archive finds one whole pair.
-        ScriptedDesktop otherDesktop;
-        Editor other(otherDesktop, settings, folder.path());
-        ASSERT_TRUE(other.OpenArchive(img()));
-        EXPECT_EQ(imgBytes(), c.newArchive ? newImg : img0);
-        EXPECT_EQ(dirBytes(), c.newArchive ? newDir : dir0);
-        EXPECT_TRUE(Leftovers(folder.path()).empty());
-    }
-}
-
-TEST_F(Rebuild, OpeningFinishesAJournalledRebuildAndClearsAnUnjournalledOne) {
-    WriteArchive(folder / "a.img", {{0, 1, "old.dff"}}, SectorSize);
-    const RebuildFiles files = RebuildFilesFor(folder / "a.img", folder / "a.dir");
-    WriteBytes(files.newData, "");
-    WriteBytes(files.newDir, "");
-    ASSERT_TRUE(editor.OpenArchive(img())); // no journal: the leftovers go
-    EXPECT_EQ(names(), (std::vector<std::string>{"old.dff"}));
-    EXPECT_TRUE(Leftovers(folder.path()).empty());
-
-    // Journal written and the data file already renamed: the directory follows.
-    WriteBytes(folder / "a.img", "new data");
-    WriteBytes(files.newDir, EncodeDirectory({{0, 1, "new.dff"}}));
-    WriteBytes(files.journal, "korvel rebuild journal 1\n" + files.newData.string() + "\n" + img() +
-                                  "\n" + files.newDir.string() + "\n" +
-                                  (folder / "a.dir").string() + "\n");
-    ASSERT_TRUE(editor.OpenArchive(img()));
-    EXPECT_EQ(names(), (std::vector<std::string>{"new.dff"}));
-    EXPECT_TRUE(Leftovers(folder.path()).empty());
 }
 
 } // namespace

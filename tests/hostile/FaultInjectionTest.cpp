@@ -1,0 +1,96 @@
+// Every write path failed at its n-th write, flush and rename, for every n it
+// reaches: the archive that the next open finds reads as the old one or the
+// new one, byte for byte, korvel.ini is the old file or the new one, and no
+// temporary file is left.
+#include "TestFolder.h"
+#include "archive/EntryOperations.h"
+#include "archive/Marker.h"
+#include "archive/QuickReplace.h"
+#include "platform/FileCopy.h"
+#include "settings/Settings.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+namespace korvel::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+TEST(FaultInjection, EveryWritePathLeavesTheOldArchiveOrTheNewOne) {
+    TestFolder folder;
+    const fs::path img = folder / "a.img", dir = folder / "a.dir", in = folder / "in";
+    const std::string ini = (folder / "korvel.ini").string();
+    const auto file = [&](const char* name) { return (in / name).string(); };
+    // clang-format off
+    const std::map<std::string, std::function<void(Archive&)>> paths = {
+        {"add", [&](Archive& a) { std::string name = "new.ifp"; AddBatch batch(a, true, {});
+                                  (void)batch.Add(file("new.ifp"), name); (void)batch.Finish(); }},
+        {"replace in place", [&](Archive& a) { (void)ReplaceEntry(a, 1, file("bus.txd")); }},
+        {"replace appended", [&](Archive& a) { (void)ReplaceEntry(a, 0, file("car.dff")); }},
+        {"rename", [](Archive& a) { (void)RenameEntry(a, 0, "van.dff"); }},
+        {"delete", [](Archive& a) { (void)DeleteRows(a, {0}); }},
+        {"move to end", [](Archive& a) { (void)MoveRowsToEnd(a, {0}); }},
+        {"marker", [](Archive& a) { (void)InsertMarker(a, "mark"); }},
+        {"rebuild", [](Archive& a) { (void)RebuildArchive(a, {}); }},
+        {"quick replace", [&](Archive& a) { (void)ReplaceFromFolder(a, {0}, in.string(), {}, {}); }},
+        {"settings write", [&](Archive&) { Settings(ini, KORVEL_LANG_INI).WriteSetting("new", "recent1"); }},
+    };
+    // clang-format on
+    const auto state = [&] {
+        for (const auto& item : fs::directory_iterator(folder.path())) { // no leftover (removed,
+            const bool ours = item.path().filename().string().find(".korvel") != std::string::npos;
+            EXPECT_FALSE(ours && fs::remove(item.path())); // so no fault spills into the next)
+        }
+        // The directory file and each listed entry's sectors: bytes no record
+        // lists (an append that failed) belong to neither archive.
+        const std::string data = ReadBytes(img), records = ReadBytes(dir);
+        std::string read = ReadBytes(ini) + "#" + records;
+        for (const DirRecord& r : DecodeDirectory(records)) {
+            std::string bytes =
+                data.substr(std::min<std::size_t>(data.size(), SectorToOffset(r.startSector)),
+                            SectorToOffset(r.sizeSectors));
+            read += "|" + bytes.append(SectorToOffset(r.sizeSectors) - bytes.size(), '\0');
+        }
+        return read;
+    };
+    // The next open after failing the n-th step of `kind`; `reached` counts steps.
+    const auto attempt = [&](const std::function<void(Archive&)>& run, std::string_view kind, int n,
+                             std::map<std::string, int>& reached) {
+        fs::create_directories(in);
+        WriteBytes(in / "new.ifp", std::string(3000, 'n'));
+        WriteBytes(in / "bus.txd", "small bus");
+        WriteBytes(in / "car.dff", std::string(5000, 'c'));
+        WriteArchive(img, {{2, 1, "car.dff"}, {0, 2, "bus.txd"}, {3, 1, "gap.col"}},
+                     5 * SectorSize);
+        Settings(ini, KORVEL_LANG_INI).WriteSetting("old", "recent1");
+        Archive archive, reopened;
+        EXPECT_FALSE(OpenArchiveFiles(archive, img.string()).has_value());
+        SetStepHook([&](std::string_view step) {
+            const std::string counted(step == "copy" ? StepWrite : step);
+            return ++reached[counted] == n && counted == kind ? FsError("injected") : FsError();
+        });
+        run(archive);
+        SetStepHook({});
+        EXPECT_FALSE(OpenArchiveFiles(reopened, img.string()).has_value());
+        return state();
+    };
+    for (const auto& [name, run] : paths) {
+        std::map<std::string, int> reached, ignored; // steps of the clean run; ignored
+        const std::string after = attempt(run, {}, 0, reached);
+        const std::string before = attempt([](Archive&) {}, {}, 0, ignored);
+        EXPECT_NE(after, before) << name;
+        for (const std::string_view kind : {StepWrite, StepFlush, StepRename}) {
+            for (int n = 1, count = reached[std::string(kind)]; n <= count; ++n) {
+                SCOPED_TRACE(name + ": " + std::string(kind) + " " + std::to_string(n));
+                std::map<std::string, int> counting;
+                const std::string found = attempt(run, kind, n, counting);
+                EXPECT_TRUE(found == before || found == after);
+            }
+        }
+    }
+}
+
+} // namespace
+} // namespace korvel::test
