@@ -2,6 +2,7 @@
 // the entry that lies last, and one directory write per batch.
 #include "archive/EntryOperations.h"
 
+#include "archive/Names.h"
 #include "platform/Cp1252.h"
 #include "platform/FileCopy.h"
 #include "platform/FileSystem.h"
@@ -136,6 +137,28 @@ AddOutcome AddBatch::Add(const std::string& path, std::string& name) {
     if (!lock.held()) {
         return Failure(lock.status().error());
     }
+    std::string longName;
+    AddOutcome outcome = AddUnderStoredName(path, name, longName);
+    outcome.shortenedFrom = std::move(longName);
+    return outcome;
+}
+
+AddOutcome AddBatch::AddUnderStoredName(const std::string& path, std::string& name,
+                                        std::string& longName) {
+    // The name is checked whole and then shortened as the directory record
+    // will store it, so that two long names that end up alike meet in the
+    // duplicate scan instead of silently becoming two rows of one name.
+    const auto takeName = [&](const std::string& wanted) -> std::optional<AddOutcome> {
+        if (std::string problem = EntryNameProblem(wanted); !problem.empty()) {
+            return Failure(std::move(problem));
+        }
+        name = StoredEntryName(wanted);
+        longName = name == wanted ? std::string() : wanted;
+        return std::nullopt;
+    };
+    if (auto refused = takeName(std::string(name))) {
+        return *refused;
+    }
     EntryTable& table = archive_.table();
     const bool scan = scan_ && name != MarkerName && decide_;
     for (std::size_t from = 0; scan;) {
@@ -172,7 +195,9 @@ AddOutcome AddBatch::Add(const std::string& path, std::string& name) {
             if (!decision.problem.ok()) {
                 return Failure(decision.problem.error());
             }
-            name = decision.newName;
+            if (auto refused = takeName(decision.newName)) {
+                return *refused;
+            }
         }
     }
 

@@ -9,14 +9,24 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace korvel {
 
 // Refuses entry names that would not stay inside the chosen folder as a file
-// name: empty, ".", "..", or holding "/", "\\" or NUL. Empty when the name is
-// safe, else a message that names the entry.
+// name: empty, ".", "..", or holding "/", "\\" or NUL; on Windows also what
+// WindowsFileNameProblem refuses. Empty when the name is safe, else a message
+// that names the entry.
 std::string UnsafeNameProblem(const std::string& rawName);
+
+// What Windows makes of a file name other than the plain file it reads as:
+// ":" (a drive-relative path or an alternate data stream), a reserved device
+// name (CON, PRN, AUX, NUL, COM1-COM9, LPT1-LPT9, any case, also with an
+// extension) and trailing dots or spaces (dropped, so the name meets another
+// file). Empty when none applies, else the reason. Plain so that it can be
+// checked anywhere; only Windows builds apply it.
+std::string WindowsFileNameProblem(std::string_view rawName);
 
 // The file `rawName` names inside `folder`, or nothing when the name could
 // leave the folder (UnsafeNameProblem says why).

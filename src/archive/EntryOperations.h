@@ -81,6 +81,9 @@ struct AddOutcome {
     // Replaced, but the directory file could not be written (status says why).
     bool directoryNotWritten = false;
     std::size_t row = 0; // Added or Replaced: the row
+    // The name as given when it was longer than a record holds (the name
+    // passed in then holds the shortened one); empty otherwise.
+    std::string shortenedFrom;
 };
 
 // Adds files one by one and writes the directory file once at the end. The
@@ -94,8 +97,10 @@ public:
     AddBatch(const AddBatch&) = delete;
     AddBatch& operator=(const AddBatch&) = delete;
 
-    // Adds one file under `name` (raw Windows-1252; RenameNew changes it).
-    // Does not write the directory file.
+    // Adds one file under `name` (raw Windows-1252; RenameNew changes it,
+    // and a name longer than a record holds comes back shortened). A name
+    // EntryNameProblem refuses fails before anything is written. Does not
+    // write the directory file.
     AddOutcome Add(const std::string& path, std::string& name);
     // Writes the directory file. When that fails the table follows the file
     // on disk again and the appended data is unused space.
@@ -104,6 +109,8 @@ public:
 private:
     class NameIndex;
     AddOutcome DataFailure(std::string error);
+    AddOutcome AddUnderStoredName(const std::string& path, std::string& name,
+                                  std::string& longName);
 
     Archive& archive_;
     bool scan_;
@@ -127,8 +134,8 @@ Status DeleteRows(Archive& archive, const std::vector<std::size_t>& rows);
 Status MoveRowsToEnd(Archive& archive, const std::vector<std::size_t>& rows);
 
 // --- renaming and name case --------------------------------------------------
-// Gives the row the raw name and writes the directory file; on failure the
-// row keeps its old name.
+// Gives the row the raw name and writes the directory file; on failure (or
+// a name EntryNameProblem refuses) the row keeps its old name.
 Status RenameEntry(Archive& archive, std::size_t row, const std::string& rawName);
 
 enum class NameCase { Whole, BeforeExtension, Extension };

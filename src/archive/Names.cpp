@@ -4,6 +4,7 @@
 #include "platform/Cp1252.h"
 
 #include <algorithm>
+#include <array>
 
 namespace korvel {
 
@@ -61,6 +62,37 @@ std::string_view IconKey(EntryKind type) {
         break;
     }
     return "none";
+}
+
+std::string EntryNameProblem(std::string_view raw) {
+    const std::string quoted = "The name \"" + ShownName(raw) + "\" cannot be given to an entry";
+    if (raw.empty()) {
+        return quoted + ": it is empty.";
+    }
+    if (raw == "." || raw == "..") {
+        return quoted + ": it would name a folder, not a file.";
+    }
+    if (std::any_of(raw.begin(), raw.end(),
+                    [](char c) { return c == '/' || c == '\\' || IsControlByte(c); })) {
+        return quoted + ": it holds \"/\", \"\\\" or a control character (shown as \\xHH).";
+    }
+    return {};
+}
+
+std::string StoredEntryName(std::string_view raw) {
+    return std::string(raw.substr(0, NameFieldSize));
+}
+
+bool IsViewableName(std::string_view raw) {
+    static constexpr std::array<std::string_view, 20> Viewable = {
+        "dff", "txd", "ifp", "col", "txt", "ini", "cfg",  "dat", "ide", "ipl",
+        "zon", "gxt", "fxt", "png", "bmp", "jpg", "jpeg", "tga", "dds", "wav"};
+    const std::size_t dot = raw.rfind('.');
+    if (dot == std::string_view::npos) {
+        return false;
+    }
+    const std::string extension = ToLowerCp1252(raw.substr(dot + 1));
+    return std::find(Viewable.begin(), Viewable.end(), extension) != Viewable.end();
 }
 
 } // namespace korvel

@@ -28,6 +28,23 @@ EntryKind KindOfName(std::string_view name);
 // KindOfName(name) == kind, except that the marker entry is of no kind: it is
 // never selected or listed as an "other" file.
 bool IsNameOfKind(EntryKind kind, std::string_view name);
+// Why `raw` (Windows-1252) cannot be an entry's name, or empty when it can.
+// Rename and add refuse an empty name, "." and "..", and any name holding
+// "/", a backslash, NUL or another control character: such a name could not be
+// extracted, or would forge lines wherever names are printed.
+std::string EntryNameProblem(std::string_view raw);
+
+// The name an entry is stored under: the first 24 bytes, all the directory
+// record holds. Adding shortens longer file names to this, so the duplicate
+// scan and the person must see this name, not the file's.
+std::string StoredEntryName(std::string_view raw);
+
+// View hands the copy of an entry to the desktop's default opener only for
+// these: the kinds Korvel knows and the plain data, text, image and sound
+// files modders open. Anything else (a script, a program, a launcher, a name
+// without an extension) could run instead of being shown.
+bool IsViewableName(std::string_view raw);
+
 // Icon key of a kind: "blue", "orange", "green", "grey" or "none".
 std::string_view IconKey(EntryKind kind);
 

@@ -1,5 +1,6 @@
 #include "archive/QuickReplace.h"
 
+#include "archive/EntryFiles.h"
 #include "platform/Cp1252.h"
 #include "platform/FileSystem.h"
 
@@ -33,9 +34,10 @@ public:
         folder_ = folder;
     }
 
+    // `rawName` must be one EntryFileIn accepts.
     std::optional<fs::path> find(const std::string& rawName) const {
-        const fs::path exact = fs::path(folder_) / Cp1252ToUtf8(rawName);
-        if (FileExists(exact)) {
+        const auto exact = EntryFileIn(folder_, rawName);
+        if (exact && FileExists(*exact)) {
             return exact;
         }
         const auto found = files_.find(ToLowerCp1252(rawName));
@@ -68,6 +70,13 @@ QuickReplaceCounts ReplaceFromFolder(Archive& archive, const std::vector<std::si
         const std::string name = table[row].name;
         if (name == MarkerName) {
             ++counts.skipped;
+            continue;
+        }
+        // A name that is no plain file name in the folder ("../secret.key",
+        // an absolute path) would take its data from outside it.
+        if (std::string problem = UnsafeNameProblem(name); !problem.empty()) {
+            ++counts.skipped;
+            counts.refused.push_back(std::move(problem));
             continue;
         }
         for (;;) {

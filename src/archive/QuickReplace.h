@@ -33,6 +33,9 @@ struct QuickReplaceCounts {
     std::string failedName;
     bool directoryNotWritten = false;
     std::string folder; // the folder used last
+    // Rows skipped because their names cannot be file names in the folder:
+    // one message each (UnsafeNameProblem), counted in `skipped`.
+    std::vector<std::string> refused;
 };
 
 // Replaces `rows` (in the order given) from `folder`. Markers are skipped.

@@ -2,6 +2,7 @@
 // file changes; no data moves.
 #include "archive/EntryOperations.h"
 
+#include "archive/Names.h"
 #include "platform/Cp1252.h"
 
 namespace korvel {
@@ -21,6 +22,9 @@ Status RenameEntry(Archive& archive, std::size_t row, const std::string& rawName
     EntryTable& table = archive.table();
     if (row >= table.size()) {
         return Status::Failed("there is no row " + std::to_string(row + 1));
+    }
+    if (std::string problem = EntryNameProblem(rawName); !problem.empty()) {
+        return Status::Failed(std::move(problem));
     }
     const std::vector<Entry> before = table.rows();
     table.setName(row, rawName);

@@ -25,7 +25,7 @@ int List(const Arguments& args) {
     }
     std::string out;
     for (const Entry& entry : session.archive().table().rows()) {
-        out += Cp1252ToUtf8(entry.name);
+        out += ShownName(entry.name);
         out += '\t';
         out += OffsetText(entry.startSector);
         out += '\t';

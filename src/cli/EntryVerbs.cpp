@@ -93,8 +93,12 @@ int AddFiles(const Arguments& args) {
         if (!FileExists(file)) {
             return Fail(file + " is not a file");
         }
-        if (!Utf8ToCp1252(fs::path(file).filename().string())) {
+        const auto name = Utf8ToCp1252(fs::path(file).filename().string());
+        if (!name) {
             return Fail("the name of " + file + " holds characters an archive cannot store");
+        }
+        if (const std::string problem = EntryNameProblem(*name); !problem.empty()) {
+            return Fail(problem);
         }
     }
     if (!run.session.open(args.operands[0])) {
@@ -113,6 +117,11 @@ int AddFiles(const Arguments& args) {
     for (const std::string& file : files) {
         std::string name = *Utf8ToCp1252(fs::path(file).filename().string());
         const AddOutcome outcome = batch.Add(file, name);
+        if (!outcome.shortenedFrom.empty()) {
+            PrintError("the name \"" + ShownName(outcome.shortenedFrom) + "\" is longer than " +
+                       std::to_string(NameFieldSize) + " characters; it is stored as \"" +
+                       ShownName(name) + "\"");
+        }
         if (outcome.result != AddResult::Failed) {
             continue;
         }
@@ -170,6 +179,9 @@ int RenameEntry(const Arguments& args) {
     }
     if (name->size() > NameFieldSize) {
         return Fail("the name \"" + typed + "\" is longer than 24 characters");
+    }
+    if (const std::string problem = EntryNameProblem(*name); !problem.empty()) {
+        return Fail(problem);
     }
     if (!run.session.open(args.operands[0])) {
         return ExitFailure;

@@ -44,7 +44,7 @@ int Find(const Arguments& args) {
     }
     std::string out;
     for (const FoundEntry& found : FindEntries(session.archive().table(), args.operands[1], kind)) {
-        out += std::to_string(found.row) + '\t' + Cp1252ToUtf8(found.name) + '\n';
+        out += std::to_string(found.row) + '\t' + ShownName(found.name) + '\n';
     }
     return Print(out);
 }
@@ -76,8 +76,8 @@ int FindIn(const Arguments& args) {
     }
     std::string out;
     for (const FoundInFile& f : found) {
-        out += Cp1252ToUtf8(f.name) + '\t' + Cp1252ToUtf8(f.entryName) + '\t' +
-               std::to_string(f.row) + '\n';
+        out +=
+            ShownName(f.name) + '\t' + ShownName(f.entryName) + '\t' + std::to_string(f.row) + '\n';
     }
     return Print(out);
 }
@@ -89,7 +89,7 @@ int Check(const Arguments& args) {
     }
     std::string out;
     for (const std::string& name : DuplicatePairs(session.archive().table())) {
-        out += Cp1252ToUtf8(name) + '\n';
+        out += ShownName(name) + '\n';
     }
     return Print(out);
 }

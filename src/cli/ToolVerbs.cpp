@@ -34,6 +34,9 @@ int QuickReplaceVerb(const Arguments& args) {
     };
     const QuickReplaceCounts counts = ReplaceFromFolder(session.archive(), *rows, folder, skip, {});
     const Settings& texts = session.settings();
+    for (const std::string& problem : counts.refused) {
+        PrintError(problem);
+    }
     if (!counts.status.ok()) {
         if (counts.directoryNotWritten) {
             PrintError(FileFailureText(texts, counts.status.error()));
@@ -41,11 +44,11 @@ int QuickReplaceVerb(const Arguments& args) {
         const std::string error = counts.directoryNotWritten ? std::string(DirectoryNotWrittenText)
                                                              : counts.status.error();
         std::cout << "replaced " << counts.replaced << ", skipped " << counts.skipped << '\n';
-        PrintError(FileFailureText(texts, error, Cp1252ToUtf8(counts.failedName)));
+        PrintError(FileFailureText(texts, error, ShownName(counts.failedName)));
         return ExitFailure;
     }
     std::cout << "replaced " << counts.replaced << ", skipped " << counts.skipped << '\n';
-    return 0;
+    return counts.refused.empty() ? 0 : ExitFailure;
 }
 
 int MarkerVerb(const Arguments& args) {

@@ -28,6 +28,11 @@ std::string OneLine(const std::string& text) {
         }
         line.push_back(c);
     }
+    // Messages quote names and paths; shown like the output, their control
+    // characters cannot drive the terminal.
+    if (const auto bytes = Utf8ToCp1252(line)) {
+        return ShownName(*bytes);
+    }
     return line;
 }
 

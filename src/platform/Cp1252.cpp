@@ -56,42 +56,88 @@ std::string Cp1252ToUtf8(std::string_view bytes) {
     return out;
 }
 
+std::optional<char32_t> DecodeUtf8(std::string_view utf8, std::size_t& at) {
+    const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(utf8[i]); };
+    const unsigned char lead = byteAt(at);
+    if (lead < 0x80) {
+        ++at;
+        return lead;
+    }
+    // The shortest form is the only valid one: "C0 AF" would otherwise be a
+    // second spelling of "/" that no check on "/" sees.
+    int extra = 0;
+    char32_t cp = 0;
+    char32_t least = 0;
+    if (lead >= 0xC2 && lead <= 0xDF) {
+        extra = 1;
+        cp = lead & 0x1F;
+        least = 0x80;
+    } else if (lead >= 0xE0 && lead <= 0xEF) {
+        extra = 2;
+        cp = lead & 0x0F;
+        least = 0x800;
+    } else if (lead >= 0xF0 && lead <= 0xF4) {
+        extra = 3;
+        cp = lead & 0x07;
+        least = 0x10000;
+    } else {
+        return std::nullopt; // a continuation byte, C0/C1, or F5..FF
+    }
+    if (utf8.size() - at <= static_cast<std::size_t>(extra)) {
+        return std::nullopt; // a sequence cut short
+    }
+    for (int k = 1; k <= extra; ++k) {
+        const unsigned char next = byteAt(at + static_cast<std::size_t>(k));
+        if ((next & 0xC0) != 0x80) {
+            return std::nullopt;
+        }
+        cp = (cp << 6) | (next & 0x3F);
+    }
+    if (cp < least || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) {
+        return std::nullopt;
+    }
+    at += static_cast<std::size_t>(extra) + 1;
+    return cp;
+}
+
 std::optional<std::string> Utf8ToCp1252(std::string_view utf8) {
     std::string out;
     out.reserve(utf8.size());
     for (std::size_t i = 0; i < utf8.size();) {
-        const auto lead = static_cast<unsigned char>(utf8[i]);
-        int extra = 0;
-        char32_t cp = 0;
-        if (lead < 0x80) {
-            cp = lead;
-        } else if ((lead & 0xE0) == 0xC0) {
-            extra = 1;
-            cp = lead & 0x1F;
-        } else if ((lead & 0xF0) == 0xE0) {
-            extra = 2;
-            cp = lead & 0x0F;
-        } else {
-            return std::nullopt; // four-byte sequences are all outside Windows-1252
-        }
-        if (i + static_cast<std::size_t>(extra) >= utf8.size()) {
-            return std::nullopt; // a sequence cut short
-        }
-        for (int k = 1; k <= extra; ++k) {
-            const auto next = static_cast<unsigned char>(utf8[i + static_cast<std::size_t>(k)]);
-            if ((next & 0xC0) != 0x80) {
-                return std::nullopt;
-            }
-            cp = (cp << 6) | (next & 0x3F);
-        }
-        const std::optional<char> byte = ByteOf(cp);
+        const std::optional<char32_t> cp = DecodeUtf8(utf8, i);
+        const std::optional<char> byte = cp ? ByteOf(*cp) : std::nullopt;
         if (!byte) {
             return std::nullopt;
         }
         out.push_back(*byte);
-        i += static_cast<std::size_t>(extra) + 1;
     }
     return out;
+}
+
+bool IsControlByte(char c) {
+    const auto b = static_cast<unsigned char>(c);
+    return b < 0x20 || b == 0x7F || (b >= 0x80 && b <= 0x9F && CodePointOf(b) == b);
+}
+
+std::string EscapeControls(std::string_view bytes) {
+    static constexpr char Hex[] = "0123456789ABCDEF";
+    std::string out;
+    out.reserve(bytes.size());
+    for (char c : bytes) {
+        if (IsControlByte(c)) {
+            const auto b = static_cast<unsigned char>(c);
+            out += "\\x";
+            out.push_back(Hex[b >> 4]);
+            out.push_back(Hex[b & 0x0F]);
+        } else {
+            out.push_back(c);
+        }
+    }
+    return out;
+}
+
+std::string ShownName(std::string_view bytes) {
+    return Cp1252ToUtf8(EscapeControls(bytes));
 }
 
 char LowerCp1252(char c) {

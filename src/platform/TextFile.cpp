@@ -9,17 +9,16 @@ std::string ToAnsi(std::string_view utf8) {
     if (auto whole = Utf8ToCp1252(utf8)) {
         return *whole;
     }
-    // Convert one UTF-8 sequence at a time so one odd character costs only
-    // itself.
+    // Convert one character at a time so one odd character (or one invalid
+    // byte) costs only itself.
     std::string out;
     for (std::size_t i = 0; i < utf8.size();) {
-        std::size_t n = 1;
-        while (i + n < utf8.size() && (static_cast<unsigned char>(utf8[i + n]) & 0xC0) == 0x80) {
-            ++n;
+        const std::size_t start = i;
+        if (!DecodeUtf8(utf8, i)) {
+            ++i;
         }
-        const auto one = Utf8ToCp1252(utf8.substr(i, n));
+        const auto one = Utf8ToCp1252(utf8.substr(start, i - start));
         out += one ? *one : std::string("?");
-        i += n;
     }
     return out;
 }

@@ -3,6 +3,7 @@
 #include "archive/EntryFiles.h"
 #include "archive/Format.h"
 #include "archive/Names.h"
+#include "platform/Cp1252.h"
 #include "platform/FileSystem.h"
 #include "platform/LocalTime.h"
 #include "platform/TextFile.h"
@@ -36,6 +37,35 @@ std::string PadTo(std::string text, std::size_t width) {
     return text;
 }
 
+// Names and the archive's path come from outside: in HTML they are text,
+// never markup.
+std::string HtmlEscape(std::string_view text) {
+    std::string out;
+    out.reserve(text.size());
+    for (char c : text) {
+        switch (c) {
+        case '&':
+            out += "&amp;";
+            break;
+        case '<':
+            out += "&lt;";
+            break;
+        case '>':
+            out += "&gt;";
+            break;
+        case '"':
+            out += "&quot;";
+            break;
+        case '\'':
+            out += "&#39;";
+            break;
+        default:
+            out.push_back(c);
+        }
+    }
+    return out;
+}
+
 } // namespace
 
 ReportFacts ReportFactsNow(std::uint64_t dataBytes) {
@@ -58,7 +88,9 @@ std::vector<std::string> ReportLines(const Archive& archive, const Settings& tex
     const auto counts = CountGroups(table);
     const std::string rows = std::to_string(table.size());
     const std::string kb = std::to_string(ReportKilobytes(facts.dataBytes)) + "kb";
-    const std::string path = ToAnsi(archive.dataPath());
+    // Every untrusted text is shown with its control characters escaped, so
+    // that a name holding CR LF cannot forge lines of the report.
+    const std::string path = EscapeControls(ToAnsi(archive.dataPath()));
     const std::string date = ToAnsi(facts.date) + " at " + ToAnsi(facts.time);
     const std::array<std::string, 5> typeLabels = {text("files2"), text("files3"), text("files4"),
                                                    text("files5"), text("files6")};
@@ -82,8 +114,8 @@ std::vector<std::string> ReportLines(const Archive& archive, const Settings& tex
                         text("head3"));
         lines.push_back(std::string(41, '-'));
         for (const Entry& entry : table.rows()) {
-            lines.push_back(PadTo(entry.name, 26) + PadTo(OffsetText(entry.startSector), 10) +
-                            SizeText(entry.sizeSectors));
+            lines.push_back(PadTo(EscapeControls(entry.name), 26) +
+                            PadTo(OffsetText(entry.startSector), 10) + SizeText(entry.sizeSectors));
         }
         return lines;
     }
@@ -113,7 +145,7 @@ std::vector<std::string> ReportLines(const Archive& archive, const Settings& tex
              "<p class=\"style1\">" + text("report1") + " </p>",
              "<p>" + date + "<br>",
              text("report2") + "</p>",
-             "<p>" + strong(text("report3"), "</strong>            ") + path + "<br>",
+             "<p>" + strong(text("report3"), "</strong>            ") + HtmlEscape(path) + "<br>",
              strong(text("report4"), "</strong>   ") + rows + "<br>",
              strong(text("report5"), "</strong>       ") + kb + "<br>",
              strong(typeLabels[0], " </strong>") + std::to_string(counts[0]) + "<br>",
@@ -129,7 +161,7 @@ std::vector<std::string> ReportLines(const Archive& archive, const Settings& tex
              "  </tr>"};
     for (const Entry& entry : table.rows()) {
         lines.push_back("  <tr>");
-        lines.push_back(cell("62%", "FFFFF", PadTo(entry.name, 26)));
+        lines.push_back(cell("62%", "FFFFF", HtmlEscape(PadTo(EscapeControls(entry.name), 26))));
         lines.push_back(cell("26%", "#cccccc", PadTo(OffsetText(entry.startSector), 10)));
         lines.push_back(cell("12%", "FFFFF", SizeText(entry.sizeSectors)));
         lines.push_back("  </tr>");

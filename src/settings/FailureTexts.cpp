@@ -15,8 +15,7 @@ std::string FileFailureText(const Settings& texts, const std::string& error,
 
 std::string AddFailureText(const Settings& texts, const std::string& error,
                            const std::string& rawName) {
-    return FileFailureText(texts, error,
-                           texts.LookupText("ohCrap2") + "\r\n" + Cp1252ToUtf8(rawName));
+    return FileFailureText(texts, error, texts.LookupText("ohCrap2") + "\r\n" + ShownName(rawName));
 }
 
 } // namespace korvel

@@ -156,6 +156,15 @@ void EntryCommands::EnsureTempsFolder() {
 void EntryCommands::ViewSelectedEntries() {
     EnsureTempsFolder();
     for (std::size_t row : SelectedRows()) {
+        const std::string& name = editor_.table()[row].name;
+        if (!IsViewableName(name)) {
+            // The desktop would run a script or a program rather than show it.
+            editor_.desktop().ShowMessage("The entry \"" + ShownName(name) +
+                                              "\" is not opened: it is not a kind of file "
+                                              "Korvel hands to other programs to view.",
+                                          "", MessageIcon::Information);
+            continue;
+        }
         const ExtractResult copy = ExtractEntryTo(editor_.archive(), row, TempsFolder());
         if (!copy.target || copy.refused) {
             editor_.desktop().ShowMessage(copy.status.error(), "Error", MessageIcon::Exclamation);

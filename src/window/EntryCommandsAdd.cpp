@@ -119,6 +119,7 @@ std::size_t EntryCommands::AddFileBatch(const std::vector<std::string>& paths, b
     const bool scan = BooleanWord(editor_.settings().ReadSetting("addingScan")).value_or(false);
     AddBatch batch(editor_.archive(), scan, DuplicateDecider());
     std::size_t failed = 0;
+    std::string shortened;
     const auto addOne = [&](const std::string& path) {
         const std::string fileName = fs::path(path).filename().string();
         const auto converted = Utf8ToCp1252(fileName);
@@ -129,6 +130,9 @@ std::size_t EntryCommands::AddFileBatch(const std::vector<std::string>& paths, b
         }
         std::string name = *converted;
         const AddOutcome outcome = batch.Add(path, name);
+        if (!outcome.shortenedFrom.empty()) {
+            shortened += "\r\n" + ShownName(outcome.shortenedFrom) + " -> " + ShownName(name);
+        }
         if (ReportAdded(outcome, name)) {
             ++failed;
         }
@@ -161,6 +165,11 @@ std::size_t EntryCommands::AddFileBatch(const std::vector<std::string>& paths, b
     if (const Status written = batch.Finish(); !written.ok()) {
         ShowError(written.error());
         failed = std::max<std::size_t>(failed, 1);
+    }
+    if (!shortened.empty()) {
+        desktop.ShowMessage("These names are longer than the " + std::to_string(NameFieldSize) +
+                                " characters an entry's name holds and were shortened:" + shortened,
+                            "", MessageIcon::Information);
     }
     return failed;
 }

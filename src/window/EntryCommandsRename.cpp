@@ -63,6 +63,10 @@ bool EntryCommands::DoRename(std::size_t row, const std::string& typed) {
                             "", MessageIcon::Information);
         return false;
     }
+    if (const std::string problem = EntryNameProblem(*name); !problem.empty()) {
+        desktop.ShowMessage(problem, "", MessageIcon::Information);
+        return false;
+    }
     if (row >= editor_.table().size()) {
         return true;
     }

@@ -103,6 +103,13 @@ QuickReplaceCounts QuickReplace::ReplaceSelectedFromFolder(const std::string& fo
         desktop.SetStatus(Cp1252ToUtf8(table[row].name) + " " + editor_.text("rep5"));
     };
     QuickReplaceCounts counts = ReplaceFromFolder(editor_.archive(), rows, folder, ask, replaced);
+    if (!counts.refused.empty()) {
+        std::string refused;
+        for (const std::string& problem : counts.refused) {
+            refused += (refused.empty() ? "" : "\r\n") + problem;
+        }
+        desktop.ShowMessage(refused, "Error", MessageIcon::Exclamation);
+    }
     if (!counts.status.ok()) {
         if (counts.directoryNotWritten) {
             desktop.ShowMessage(FileFailureText(settings, counts.status.error()), "Error",

@@ -101,18 +101,6 @@ TEST_F(Extract, NamesThatWouldLeaveTheFolderAreRefusedAndTheRestWritten) {
     }
     std::sort(written.begin(), written.end());
     EXPECT_EQ(written, (std::vector<std::string>{"ok.dff", "x"}));
-
-    // Viewing refuses them too, and copies the safe one into the temps
-    // folder and opens it there, keeping the selection and the status.
-    desktop.conversation.clear();
-    editor.table().selectAll();
-    ASSERT_FALSE(fs::exists(TempsFolder()));
-    commands.ViewSelectedEntries();
-    EXPECT_EQ(desktop.said("message(Exclamation)").size(), 5u);
-    EXPECT_EQ(desktop.shellOpened, (std::vector<std::string>{(TempsFolder() / "ok.dff").string()}));
-    EXPECT_EQ(ReadBytes(TempsFolder() / "ok.dff"), imgBytes().substr(SectorSize));
-    EXPECT_EQ(selected().size(), 6u);
-    EXPECT_TRUE(desktop.said("status").empty());
 }
 
 } // namespace
