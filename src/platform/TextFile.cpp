@@ -45,7 +45,16 @@ Status WriteLines(const std::filesystem::path& path, const std::vector<std::stri
         return written;
     };
     for (const std::string& line : lines) {
-        pending += line;
+        // A line holds no line break of its own: a name or search text with
+        // CR or LF in it would otherwise forge lines. Written as EscapeControls
+        // writes them (bytes 0D and 0A never occur inside a character).
+        for (const char c : line) {
+            if (c == '\r' || c == '\n') {
+                pending += c == '\r' ? "\\x0D" : "\\x0A";
+            } else {
+                pending += c;
+            }
+        }
         pending += "\r\n";
         if (pending.size() >= Block && !flush()) {
             return failed();

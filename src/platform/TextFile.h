@@ -17,7 +17,8 @@ namespace korvel {
 std::string ToAnsi(std::string_view utf8);
 
 // Creates `path` (emptying an existing regular file) and writes each line
-// followed by CR LF. Fails at the first failure; what was written stays. A
+// followed by CR LF (a CR or LF inside a line is written as \x0D or \x0A,
+// so no line can add lines). Fails at the first failure; what was written stays. A
 // link, FIFO, device or folder at `path`, or one of `archiveFiles`, is
 // refused untouched, with OutputTargetProblem's text.
 Status WriteLines(const std::filesystem::path& path, const std::vector<std::string>& lines,

@@ -4,6 +4,7 @@
 #include "EntryBytes.h"
 #include "archive/EntryFiles.h"
 #include "platform/Folders.h"
+#include "platform/TextFile.h"
 
 namespace korvel::test {
 namespace {
@@ -74,6 +75,9 @@ TEST(HostileNames, ListingsAndTextReportsShowControlCharactersEscaped) {
     for (const char* shown : {"<i>\\x0A/a.img\r\n", "\r\na\\x0D\\x0Ab.dff   ", "\r\n\\x9Dz\xE9   "})
         EXPECT_NE(text.find(shown), std::string::npos) << shown;
     EXPECT_NE(html.find("&lt;i&gt;\\x0A/a.img<br>"), std::string::npos);
+    // The window's saved result lists go through the same line writer.
+    ASSERT_TRUE(WriteLines(folder / "saved.txt", {"a\r\nb.dff", "c"}).ok());
+    EXPECT_EQ(ReadBytes(folder / "saved.txt"), "a\\x0D\\x0Ab.dff\r\nc\r\n");
 }
 
 TEST(HostileNames, WindowsFileNamesRefuseDevicesStreamsAndTrailingDots) {
