@@ -2,6 +2,7 @@
 // the entry that lies last, and one directory write per batch.
 #include "archive/EntryOperations.h"
 
+#include "archive/EntryFiles.h"
 #include "archive/Names.h"
 #include "platform/Cp1252.h"
 #include "platform/FileCopy.h"
@@ -213,22 +214,18 @@ AddOutcome AddBatch::AddUnderStoredName(const std::string& path, std::string& na
     const std::uint64_t size = FileLength(path).value_or(0);
     const std::uint64_t sectors = SectorsForFile(size);
     const std::uint64_t offset = appendAt_ ? *appendAt_ : table.appendOffset();
-    FsError error;
-    if (offset / SectorSize > std::numeric_limits<std::uint32_t>::max() ||
-        sectors > std::numeric_limits<std::uint32_t>::max()) {
-        error = "the archive cannot address data beyond 8 TiB";
-    }
     File source;
     File data;
-    if (error.empty()) {
-        error = source.open(path, File::Mode::Read);
-    }
+    FsError error = source.open(path, File::Mode::Read);
     if (error.empty()) {
         error = data.open(archive_.dataPath(), File::Mode::ReadWrite);
     }
     std::uint64_t oldLength = 0;
     if (error.empty()) {
         error = data.length(oldLength);
+    }
+    if (error.empty()) {
+        error = CheckAppendPlacement(offset, sectors, oldLength).error();
     }
     if (error.empty()) {
         error = CopyRange(source, 0, data, offset, size);

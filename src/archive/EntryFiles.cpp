@@ -7,6 +7,8 @@
 
 #include <algorithm>
 
+#include <limits>
+
 namespace korvel {
 
 std::string WindowsFileNameProblem(std::string_view rawName) {
@@ -70,6 +72,20 @@ std::uint32_t SectorsPresent(const Entry& entry, std::uint64_t dataLength) {
     }
     const std::uint64_t held = (dataLength - entry.byteOffset() + SectorSize - 1) / SectorSize;
     return static_cast<std::uint32_t>(std::min<std::uint64_t>(entry.sizeSectors, held));
+}
+
+Status CheckAppendPlacement(std::uint64_t offset, std::uint64_t sectors, std::uint64_t dataLength) {
+    if (offset / SectorSize > std::numeric_limits<std::uint32_t>::max() ||
+        sectors > std::numeric_limits<std::uint32_t>::max()) {
+        return Status::Failed("the archive cannot address data beyond 8 TiB");
+    }
+    // A last entry held only in part still counts as held, as in SectorsPresent.
+    if (offset > SectorsForFile(dataLength) * SectorSize) {
+        return Status::Failed("the directory lists entries beyond the end of the data file (" +
+                              std::to_string(dataLength) +
+                              " bytes); rebuild the archive before adding to it");
+    }
+    return Status::Ok();
 }
 
 std::string MissingBytesText(const std::string& rawName, std::uint64_t missingBytes) {

@@ -43,6 +43,13 @@ std::vector<std::filesystem::path> ArchiveOwnFiles(const Archive& archive);
 // zeros, as the padding it nearly always is).
 std::uint32_t SectorsPresent(const Entry& entry, std::uint64_t dataLength);
 
+// Whether `sectors` sectors of new data may be written at `offset` (behind
+// the entry that lies last) of a data file of `dataLength` bytes. Refused
+// when a record could not address them, and when `offset` lies past the end
+// of the data file: a damaged record claiming sectors far out would make the
+// data file terabytes of holes. A rebuild cuts such records to what exists.
+Status CheckAppendPlacement(std::uint64_t offset, std::uint64_t sectors, std::uint64_t dataLength);
+
 // Says that the entry reaches past the end of the data file and how many of
 // its bytes are missing; callers add what they did about it.
 std::string MissingBytesText(const std::string& rawName, std::uint64_t missingBytes);

@@ -3,6 +3,7 @@
 // in the data file.
 #include "archive/EntryOperations.h"
 
+#include "archive/EntryFiles.h"
 #include "archive/RebuildJournal.h"
 
 #include "platform/FileCopy.h"
@@ -162,13 +163,12 @@ ReplaceResult ReplaceEntry(Archive& archive, std::size_t row, const std::string&
     } else {
         const std::uint64_t offset = table.appendOffset();
         const std::uint64_t newStart = offset / SectorSize;
-        if (newStart > std::numeric_limits<std::uint32_t>::max() ||
-            needed > std::numeric_limits<std::uint32_t>::max()) {
-            return Failed("the archive cannot address data beyond 8 TiB");
-        }
         std::uint64_t oldLength = 0;
         if (FsError error = data.length(oldLength); !error.empty()) {
             return Failed(error);
+        }
+        if (Status placed = CheckAppendPlacement(offset, needed, oldLength); !placed.ok()) {
+            return Failed(placed.error());
         }
         FsError error = CopyRange(source, 0, data, offset, n);
         if (error.empty()) {

@@ -19,7 +19,7 @@ TEST_F(Add, FilesGoBehindTheLastEntryInWholeSectorsWithZeroPadding) {
     EXPECT_EQ(editor.highestOffset(), 3 * SectorSize);
 
     // Sorted by name the entry last in the data file is the first row.
-    open({{9, 3, "zz.dff"}, {0, 1, "aa.dff"}}, 2 * SectorSize);
+    open({{9, 3, "zz.dff"}, {0, 1, "aa.dff"}}, 12 * SectorSize);
     editor.table().setOrder(EntryTable::Order::Name);
     std::string name = "mm.txd";
     EXPECT_EQ(AddFile(editor.archive(), input("mm.txd", "x"), name, true, {}).result,

@@ -96,5 +96,27 @@ TEST(OutputTargets, RebuildKeepsTheSectorsThatExistAndReservesNoMore) {
     EXPECT_LT(info.st_blocks * 512, 1 << 20);
 }
 
+// Appending behind an entry that claims sectors far past the end of the data
+// file would make the data file that large: refused until a rebuild cut it.
+TEST(OutputTargets, NothingIsAppendedBehindAClaimBeyondTheData) {
+    TestFolder folder;
+    const fs::path img = folder / "far.img", dir = folder / "far.dir";
+    const std::string added = (folder / "new.dff").string();
+    WriteArchive(img, {{0, 1, "a.dff"}, {0x40000000, 1, "far.dff"}}, SectorSize);
+    WriteBytes(added, std::string(3000, 'n'));
+    const std::string before = ReadBytes(img) + ReadBytes(dir);
+    for (const std::vector<std::string>& args :
+         {std::vector<std::string>{"add", img.string(), added},
+          {"replace", img.string(), "a.dff", added}}) {
+        const auto result = RunCli(args);
+        EXPECT_EQ(result.exitCode, 1);
+        EXPECT_NE(result.err.find("rebuild the archive"), npos) << result.err;
+        EXPECT_EQ(ReadBytes(img) + ReadBytes(dir), before);
+    }
+    EXPECT_EQ(RunCli({"rebuild", img.string()}).exitCode, 1); // far.dff is cut to nothing
+    EXPECT_EQ(RunCli({"add", img.string(), added}).exitCode, 0);
+    EXPECT_EQ(fs::file_size(img), 3 * SectorSize);
+}
+
 } // namespace
 } // namespace korvel::test
