@@ -14,6 +14,9 @@ namespace {
 namespace fs = std::filesystem;
 
 class FindTest : public test::EditorHarness {
+public:
+    using Found = std::vector<std::tuple<std::string, std::string, std::size_t>>;
+
 protected:
     void openDemo() {
         const fs::path demo = KORVEL_DEMO_ARCHIVE;
@@ -28,22 +31,30 @@ protected:
         desktop.conversation.clear();
     }
     const Archive& archive() { return editor.archive(); }
+    FileSearchOutput into(Found& rows) {
+        return {[&rows](const FoundInFile& f) { rows.emplace_back(f.name, f.entryName, f.row); },
+                [this](const UnreadEntry& u) { unread.push_back(u.entryName + ": " + u.why); }};
+    }
+    Found textures(std::string_view text) {
+        Found rows;
+        (void)FindTextures(archive(), text, into(rows));
+        return rows;
+    }
+    Found collisions(std::string_view text) {
+        Found rows;
+        (void)FindCollisionModels(archive(), folder / "copies", text, into(rows));
+        return rows;
+    }
+    std::vector<std::string> unread;
 };
 
 using Rows = std::vector<std::pair<std::string, std::size_t>>;
-using Found = std::vector<std::tuple<std::string, std::string, std::size_t>>;
+using Found = FindTest::Found;
 
 Rows Listed(const std::vector<FoundEntry>& found) {
     Rows rows;
     for (const FoundEntry& f : found)
         rows.emplace_back(f.name, f.row);
-    return rows;
-}
-
-Found Listed(const std::vector<FoundInFile>& found) {
-    Found rows;
-    for (const FoundInFile& f : found)
-        rows.emplace_back(f.name, f.entryName, f.row);
     return rows;
 }
 
@@ -93,16 +104,15 @@ TEST_F(FindTest, FindsTexturesWithCaseAndCollisionModelsThroughCopies) {
         {"odie", {}},  // "OdieSign.txd" is never read
     };
     for (const auto& c : cases)
-        EXPECT_EQ(Listed(FindTextures(archive(), c.text)), c.found) << c.text;
-    const fs::path copies = folder / "copies";
-    EXPECT_EQ(Listed(FindCollisionModels(archive(), copies, "LAMP")),
-              (Found{{"lamppost1", "generic.col", 23}}));
-    EXPECT_EQ(Listed(FindCollisionModels(archive(), copies, "_SA")),
+        EXPECT_EQ(textures(c.text), c.found) << c.text;
+    EXPECT_EQ(collisions("LAMP"), (Found{{"lamppost1", "generic.col", 23}}));
+    EXPECT_EQ(collisions("_SA"),
               (Found{{"vendmach_sa", "sa_props.col", 25}, {"phonebooth_sa", "sa_props.col", 25}}));
-    EXPECT_EQ(FindCollisionModels(archive(), copies, "").size(), 11u);
+    EXPECT_EQ(collisions("").size(), 11u);
+    EXPECT_TRUE(unread.empty());
     // Results carry the row's current name.
     editor.table().setName(3, "renamed.txd");
-    EXPECT_EQ(std::get<1>(Listed(FindTextures(archive(), "cheetah92body"))[0]), "renamed.txd");
+    EXPECT_EQ(std::get<1>(textures("cheetah92body")[0]), "renamed.txd");
 }
 
 TEST_F(FindTest, PassesOverSkippedAndDamagedEntries) {
@@ -123,18 +133,49 @@ TEST_F(FindTest, PassesOverSkippedAndDamagedEntries) {
     // An entry whose record claims sectors past the end of the data file.
     editor.table().setPlacement(9, 1000, 50);
     std::vector<std::size_t> rows;
-    for (const FoundInFile& f : FindTextures(archive(), "tex"))
-        rows.push_back(f.row);
+    for (const auto& f : textures("tex"))
+        rows.push_back(std::get<2>(f));
     EXPECT_EQ(rows, (std::vector<std::size_t>{2, 4, 6, 8, 9}));
-    // Collision files that cannot be copied or read list nothing.
+    EXPECT_EQ(unread, (std::vector<std::string>{"far.txd: the entry starts at byte 2048000, past "
+                                                "the end of the data file (20480 bytes)"}));
+}
+
+// Collision entries are copied one at a time under a name of the search's
+// own: whatever the entries are called and whatever already stands in the
+// folder, only the search's own copies are read and removed.
+TEST_F(FindTest, CollisionSearchTouchesOnlyItsOwnCopies) {
     const std::string good = test::ColModel("COLL", "good", 40);
     openEntries(
         {{"../escape.col", good},
+         {"sub/dir.col", test::ColModel("COLL", "sub", 40)},
+         {"Same.col", test::ColModel("COLL", "upper", 40)},
+         {"same.col", test::ColModel("COLL", "lower", 40)},
          {"damaged.col", "COLL" + test::U32(0xFFFFFF00) + test::Field("big", 24)},
-         {"ok.col", good + test::ColModel("COL3", "", 40) + test::ColModel("COL2", "Two", 4)}});
-    test::WriteBytes(folder / "escape.col", good); // what the hostile name points at
-    EXPECT_EQ(Listed(FindCollisionModels(archive(), folder / "copies", "")),
-              (Found{{"good", "ok.col", 3}, {"Two", "ok.col", 3}}));
+         {"ok.col", good + test::ColModel("COL3", "", 40) + test::ColModel("COL2", "Two", 4)},
+         {"far.col", good}});
+    editor.table().setPlacement(6, 1000, 1);
+    const fs::path copies = folder / "copies";
+    fs::create_directories(copies);
+    test::WriteBytes(folder / "escape.col", "keep");
+    test::WriteBytes(copies / "ok.col", "mine");
+    test::WriteBytes(folder / "target", "keep");
+    fs::create_symlink(folder / "target", copies / "same.col");
+    EXPECT_EQ(collisions(""), (Found{{"good", "../escape.col", 1},
+                                     {"sub", "sub/dir.col", 2},
+                                     {"upper", "Same.col", 3},
+                                     {"lower", "same.col", 4},
+                                     {"good", "ok.col", 6},
+                                     {"Two", "ok.col", 6}}));
+    EXPECT_EQ(unread, (std::vector<std::string>{"far.col: the entry starts at byte 2048000, past "
+                                                "the end of the data file (14336 bytes)"}));
+    EXPECT_EQ(test::ReadBytes(folder / "escape.col"), "keep");
+    EXPECT_EQ(test::ReadBytes(folder / "target"), "keep");
+    EXPECT_EQ(test::ReadBytes(copies / "ok.col"), "mine");
+    std::vector<fs::path> left;
+    for (const auto& item : fs::directory_iterator(copies))
+        left.push_back(item.path().filename());
+    std::sort(left.begin(), left.end());
+    EXPECT_EQ(left, (std::vector<fs::path>{"ok.col", "same.col"}));
 }
 
 // The window's side: remembering the text, the busy pointer and progress,
@@ -149,7 +190,7 @@ TEST_F(FindTest, SearchCommandsRememberTheTextShowProgressAndSave) {
     EXPECT_EQ(SearchTextures(editor, "cheetah92").size(), 3u);
     EXPECT_EQ(SearchCollisionModels(editor, "LAMP").size(), 1u);
     EXPECT_EQ(settings.ReadSetting("lastFileSearch"), "LAMP");
-    EXPECT_TRUE(fs::exists(TempsFolder() / "generic.col"));
+    EXPECT_TRUE(fs::is_empty(TempsFolder())); // each copy went once it was read
     // Thirteen dictionaries on the bar, the skipped one included; five collision files.
     EXPECT_EQ(desktop.conversation,
               (std::vector<std::string>{"progress shown: 13", "progress hidden",
@@ -164,7 +205,7 @@ TEST_F(FindTest, SearchCommandsRememberTheTextShowProgressAndSave) {
     SaveFoundInFiles(editor, std::vector<FoundInFile>{});
     test::WriteBytes(out, "old");
     desktop.answer({out, "yes"});
-    SaveFoundInFiles(editor, FindTextures(archive(), "cheetah92w"));
+    SaveFoundInFiles(editor, std::vector<FoundInFile>{{"cheetah92wheel", "cheetah.txd", 4}});
     EXPECT_EQ(test::ReadBytes(out), "cheetah92wheel  --  cheetah.txd\r\n");
     // The archive search replaces without asking; names stay Windows-1252.
     desktop.answer({out});
@@ -175,6 +216,28 @@ TEST_F(FindTest, SearchCommandsRememberTheTextShowProgressAndSave) {
         desktop.conversation,
         (std::vector<std::string>{"message(Information) " + text("sd4") + ": " + text("sd3"),
                                   "message(None) : " + text("sd3"), save, ask + " -> yes", save}));
+}
+
+// Records pointing at one dictionary multiply its textures: the list keeps
+// its bound and says how many it left out; unread entries are named.
+TEST_F(FindTest, FileSearchWindowKeepsItsBoundAndNamesUnreadEntries) {
+    std::vector<std::string> natives;
+    for (int t = 0; t < 2000; ++t)
+        natives.push_back(test::Native("t" + std::to_string(t), ""));
+    openEntries({{"one.txd", test::Dictionary(2000, 0, natives)}, {"far.txd", ""}});
+    std::vector<Entry> rows(51, editor.table()[0]);
+    rows.push_back(editor.table()[1]);
+    rows.back().startSector = 1000;
+    editor.table().assign(rows);
+    EXPECT_EQ(SearchTextures(editor, "").size(), 100'000u);
+    EXPECT_EQ(desktop.conversation,
+              (std::vector<std::string>{
+                  "progress shown: 52", "progress hidden",
+                  "message(Information) " + text("fif0") + ": " + text("fif1") + " 2000",
+                  "message(Exclamation) " + text("fif0") + ": " + text("fif2") +
+                      "\nfar.txd: the entry starts at byte 2048000, past the end of the data "
+                      "file (" +
+                      std::to_string(fs::file_size(folder / "hand.img")) + " bytes)"}));
 }
 
 } // namespace
