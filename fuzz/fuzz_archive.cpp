@@ -50,6 +50,11 @@ const fs::path& Folder() {
         fs::create_directories(home);
         setenv("KORVEL_HOME", home.c_str(), 1);
         fs::create_directories(fs::path(pattern) / "archive");
+        static const fs::path top = pattern;
+        std::atexit([] {
+            std::error_code ec;
+            fs::remove_all(top, ec);
+        });
         return fs::path(pattern) / "archive";
     }();
     return folder;
