@@ -140,44 +140,6 @@ TEST_F(FindTest, PassesOverSkippedAndDamagedEntries) {
                                                 "the end of the data file (20480 bytes)"}));
 }
 
-// Collision entries are copied one at a time under a name of the search's
-// own: whatever the entries are called and whatever already stands in the
-// folder, only the search's own copies are read and removed.
-TEST_F(FindTest, CollisionSearchTouchesOnlyItsOwnCopies) {
-    const std::string good = test::ColModel("COLL", "good", 40);
-    openEntries(
-        {{"../escape.col", good},
-         {"sub/dir.col", test::ColModel("COLL", "sub", 40)},
-         {"Same.col", test::ColModel("COLL", "upper", 40)},
-         {"same.col", test::ColModel("COLL", "lower", 40)},
-         {"damaged.col", "COLL" + test::U32(0xFFFFFF00) + test::Field("big", 24)},
-         {"ok.col", good + test::ColModel("COL3", "", 40) + test::ColModel("COL2", "Two", 4)},
-         {"far.col", good}});
-    editor.table().setPlacement(6, 1000, 1);
-    const fs::path copies = folder / "copies";
-    fs::create_directories(copies);
-    test::WriteBytes(folder / "escape.col", "keep");
-    test::WriteBytes(copies / "ok.col", "mine");
-    test::WriteBytes(folder / "target", "keep");
-    fs::create_symlink(folder / "target", copies / "same.col");
-    EXPECT_EQ(collisions(""), (Found{{"good", "../escape.col", 1},
-                                     {"sub", "sub/dir.col", 2},
-                                     {"upper", "Same.col", 3},
-                                     {"lower", "same.col", 4},
-                                     {"good", "ok.col", 6},
-                                     {"Two", "ok.col", 6}}));
-    EXPECT_EQ(unread, (std::vector<std::string>{"far.col: the entry starts at byte 2048000, past "
-                                                "the end of the data file (14336 bytes)"}));
-    EXPECT_EQ(test::ReadBytes(folder / "escape.col"), "keep");
-    EXPECT_EQ(test::ReadBytes(folder / "target"), "keep");
-    EXPECT_EQ(test::ReadBytes(copies / "ok.col"), "mine");
-    std::vector<fs::path> left;
-    for (const auto& item : fs::directory_iterator(copies))
-        left.push_back(item.path().filename());
-    std::sort(left.begin(), left.end());
-    EXPECT_EQ(left, (std::vector<fs::path>{"ok.col", "same.col"}));
-}
-
 // The window's side: remembering the text, the busy pointer and progress,
 // and the save conversation of both windows.
 TEST_F(FindTest, SearchCommandsRememberTheTextShowProgressAndSave) {
@@ -216,28 +178,6 @@ TEST_F(FindTest, SearchCommandsRememberTheTextShowProgressAndSave) {
         desktop.conversation,
         (std::vector<std::string>{"message(Information) " + text("sd4") + ": " + text("sd3"),
                                   "message(None) : " + text("sd3"), save, ask + " -> yes", save}));
-}
-
-// Records pointing at one dictionary multiply its textures: the list keeps
-// its bound and says how many it left out; unread entries are named.
-TEST_F(FindTest, FileSearchWindowKeepsItsBoundAndNamesUnreadEntries) {
-    std::vector<std::string> natives;
-    for (int t = 0; t < 2000; ++t)
-        natives.push_back(test::Native("t" + std::to_string(t), ""));
-    openEntries({{"one.txd", test::Dictionary(2000, 0, natives)}, {"far.txd", ""}});
-    std::vector<Entry> rows(51, editor.table()[0]);
-    rows.push_back(editor.table()[1]);
-    rows.back().startSector = 1000;
-    editor.table().assign(rows);
-    EXPECT_EQ(SearchTextures(editor, "").size(), 100'000u);
-    EXPECT_EQ(desktop.conversation,
-              (std::vector<std::string>{
-                  "progress shown: 52", "progress hidden",
-                  "message(Information) " + text("fif0") + ": " + text("fif1") + " 2000",
-                  "message(Exclamation) " + text("fif0") + ": " + text("fif2") +
-                      "\nfar.txd: the entry starts at byte 2048000, past the end of the data "
-                      "file (" +
-                      std::to_string(fs::file_size(folder / "hand.img")) + " bytes)"}));
 }
 
 } // namespace
