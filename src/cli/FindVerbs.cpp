@@ -18,9 +18,12 @@ namespace {
 // stderr the entries it could not read: the list may be incomplete.
 constexpr int ExitSomeUnread = 3;
 
+// Writes `out` and flushes. The streaming verbs have written their lines
+// already and call this with nothing: a write that failed on the way left
+// the stream's error mark, which counts as well.
 int Print(const std::string& out) {
     std::fwrite(out.data(), 1, out.size(), stdout);
-    return std::fflush(stdout) == 0 ? 0 : Fail("cannot write the output");
+    return std::fflush(stdout) == 0 && !std::ferror(stdout) ? 0 : Fail("cannot write the output");
 }
 
 int Find(const Arguments& args) {
