@@ -3,11 +3,13 @@
 // records sharing one dictionary, entries that cannot be read.
 #include "EditorHarness.h"
 #include "EntryBytes.h"
+#include "TestFolder.h"
 #include "window/FindCommands.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace korvel {
 namespace {
@@ -88,6 +90,68 @@ TEST_F(ResourcesTest, FileSearchWindowKeepsItsBoundAndNamesUnreadEntries) {
                       "\nfar.txd: the entry starts at byte 2048000, past the end of the data "
                       "file (" +
                       std::to_string(fs::file_size(folder / "hand.img")) + " bytes)"}));
+}
+
+// A collision entry whose copy does not fit on the disk is named, the others
+// are still read, and no copy is left behind.
+TEST_F(ResourcesTest, CollisionCopiesThatDoNotFitAreNamed) {
+    openEntries({{"big.col", test::ColModel("COLL", "big", 20000)},
+                 {"small.col", test::ColModel("COLL", "small", 40)}});
+    Found found;
+    std::vector<std::string> unread;
+    {
+        test::FileSizeLimit disk(8192);
+        (void)FindCollisionModels(
+            editor.archive(), folder / "copies", "",
+            {[&](const FoundInFile& f) { found.emplace_back(f.name, f.entryName, f.row); },
+             [&](const UnreadEntry& u) { unread.push_back(u.entryName + ": " + u.why); }});
+    }
+    EXPECT_EQ(found, (Found{{"small", "small.col", 2}}));
+    EXPECT_EQ(unread, (std::vector<std::string>{"big.col: cannot copy it out: File too large"}));
+    EXPECT_TRUE(fs::is_empty(folder / "copies"));
+}
+
+// Pairs of one name on many rows, and results of many records over one
+// dictionary, go out as they are found: korvel-cli prints them all with 48 MB
+// of address space, where gathering them first would take several times that.
+TEST(ResourcesCli, ManyPairsAndResultsStreamInLittleMemory) {
+#if defined(__SANITIZE_ADDRESS__)
+    GTEST_SKIP() << "the address sanitizer reserves more address space than the limit";
+#endif
+    test::TestFolder folder;
+    test::WriteArchive(folder / "pairs.img",
+                       std::vector<DirRecord>(2000, {0, 1, "one_long_shared_name.dff"}),
+                       SectorSize);
+    std::vector<std::string> natives;
+    for (int t = 0; t < 500; ++t)
+        natives.push_back(test::Native("shared_texture_" + std::to_string(t), ""));
+    test::WriteBytes(folder / "shared.img", test::Dictionary(500, 0, natives));
+    const auto sectors =
+        static_cast<std::uint32_t>(SectorsForFile(fs::file_size(folder / "shared.img")));
+    std::vector<DirRecord> records;
+    for (int r = 0; r < 2000; ++r)
+        records.push_back({0, sectors, "same" + std::to_string(r) + ".txd"});
+    test::WriteBytes(folder / "shared.dir", EncodeDirectory(records));
+    const struct {
+        std::string args;
+        const char* archive;
+        std::string lines;
+    } cases[] = {
+        {"check pairs.img", "pairs", "1999000"},
+        {"find-in shared.img '' --textures", "shared", "1000000"},
+    };
+    for (const auto& c : cases) {
+        const fs::path img = folder / (std::string(c.archive) + ".img");
+        const fs::path dir = folder / (std::string(c.archive) + ".dir");
+        const std::string before = test::ReadBytes(img) + test::ReadBytes(dir);
+        const std::string command = "cd '" + folder.path().string() + "' && ulimit -v 48000 && ('" +
+                                    KORVEL_CLI + "' " + c.args +
+                                    "; echo $? > status) | wc -l | tr -d ' \n' > count";
+        ASSERT_EQ(std::system(command.c_str()), 0) << c.args;
+        EXPECT_EQ(test::ReadBytes(folder / "status"), "0\n") << c.args;
+        EXPECT_EQ(test::ReadBytes(folder / "count"), c.lines) << c.args;
+        EXPECT_EQ(test::ReadBytes(img) + test::ReadBytes(dir), before) << c.args;
+    }
 }
 
 } // namespace
