@@ -41,7 +41,7 @@ int main(int argc, char** argv) {
     }
 
     auto start = std::chrono::steady_clock::now();
-    const std::size_t pairs = DuplicatePairs(editor.table()).size();
+    const auto pairs = ForEachDuplicatePair(editor.table(), [](const std::string&) {});
     const double counting = Seconds(start);
 
     desktop.answer({"yes"});
@@ -49,9 +49,9 @@ int main(int argc, char** argv) {
     CheckArchiveAsking(editor);
     const double command = Seconds(start);
 
-    std::printf("rows: %u, duplicate pairs: %zu, report: %zu bytes\n", rows, pairs,
-                desktop.clipboard.size());
-    std::printf("DuplicatePairs: %.4f s\n", counting);
+    std::printf("rows: %u, duplicate pairs: %llu, report: %zu bytes\n", rows,
+                static_cast<unsigned long long>(pairs), desktop.clipboard.size());
+    std::printf("ForEachDuplicatePair: %.4f s\n", counting);
     std::printf("CheckArchiveAsking (with status texts, report, clipboard): %.4f s\n", command);
 
     if (pairwise) {

@@ -6,15 +6,23 @@
 #
 #   scripts/run-fuzzers.sh BUILD [SECONDS_EACH]
 #
+# With KORVEL_FUZZ_BUDGET set (seconds for all targets together), each target
+# gets an equal share of it instead, so adding a target keeps the run within
+# the budget.
+#
 # For a long run give more seconds, e.g. 3600, or run one target by hand:
 #   BUILD/fuzz/fuzz_texture_dictionary -max_total_time=3600 -jobs=2 DIR fuzz/corpus/fuzz_texture_dictionary
 set -euo pipefail
 cd "$(dirname "$0")/.."
 build=${1:?usage: run-fuzzers.sh BUILD [SECONDS_EACH]}
 seconds=${2:-30}
+targets=("$build"/fuzz/fuzz_*)
+if [ -n "${KORVEL_FUZZ_BUDGET:-}" ] && [ "${#targets[@]}" -gt 0 ]; then
+  seconds=$((KORVEL_FUZZ_BUDGET / ${#targets[@]}))
+fi
 
 found=0
-for target in "$build"/fuzz/fuzz_*; do
+for target in "${targets[@]}"; do
   [ -x "$target" ] || continue
   found=1
   name=$(basename "$target")

@@ -8,9 +8,9 @@
 
 namespace korvel {
 
-std::vector<std::string>
-DuplicatePairs(const EntryTable& table,
-               const std::function<void(std::size_t, std::size_t)>& progress) {
+std::uint64_t ForEachDuplicatePair(const EntryTable& table,
+                                   const std::function<void(const std::string&)>& pair,
+                                   const std::function<void(std::size_t, std::size_t)>& progress) {
     const std::size_t n = table.size();
     // How many rows hold each name, then, walking down, how many still lie
     // below the current row: that many pairs are listed at this row.
@@ -21,7 +21,7 @@ DuplicatePairs(const EntryTable& table,
             ++below[entry.name];
         }
     }
-    std::vector<std::string> pairs;
+    std::uint64_t pairs = 0;
     for (std::size_t i = 0; i < n; ++i) {
         if (progress) {
             progress(i + 1, n);
@@ -32,19 +32,28 @@ DuplicatePairs(const EntryTable& table,
         }
         const std::size_t later = --below[name];
         for (std::size_t k = 0; k < later; ++k) {
-            pairs.push_back(name);
+            pair(name);
         }
+        pairs += later;
     }
     return pairs;
 }
 
-std::string DuplicateReport(const Settings& texts, const std::vector<std::string>& pairs) {
-    std::string report = texts.LookupText("aCheck2");
-    for (const std::string& name : pairs) {
-        report += "\r\n";
-        report += Cp1252ToUtf8(name);
+DuplicateReport::DuplicateReport(const Settings& texts, std::uint64_t listed)
+    : texts_(texts), listed_(listed), report_(texts.LookupText("aCheck2")) {}
+
+void DuplicateReport::add(const std::string& rawName) {
+    if (pairs_++ < listed_) {
+        report_ += "\r\n";
+        report_ += Cp1252ToUtf8(rawName);
     }
-    return report;
+}
+
+std::string DuplicateReport::text() const {
+    if (pairs_ <= listed_) {
+        return report_;
+    }
+    return report_ + "\r\n" + texts_.LookupText("aCheck7") + " " + std::to_string(pairs_ - listed_);
 }
 
 } // namespace korvel

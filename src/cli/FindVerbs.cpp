@@ -12,14 +12,20 @@
 #include "settings/IniFile.h"
 
 #include <cstdio>
-#include <system_error>
 
 namespace korvel::cli {
 namespace {
 
+// find-in read the entries it could, printed what they hold, and named on
+// stderr the entries it could not read: the list may be incomplete.
+constexpr int ExitSomeUnread = 3;
+
+// Writes `out` and flushes. The streaming verbs have written their lines
+// already and call this with nothing: a write that failed on the way left
+// the stream's error mark, which counts as well.
 int Print(const std::string& out) {
     std::fwrite(out.data(), 1, out.size(), stdout);
-    return std::fflush(stdout) == 0 ? 0 : Fail("cannot write the output");
+    return std::fflush(stdout) == 0 && !std::ferror(stdout) ? 0 : Fail("cannot write the output");
 }
 
 int Find(const Arguments& args) {
@@ -61,25 +67,27 @@ int FindIn(const Arguments& args) {
     }
     const Archive& archive = session.archive();
     const std::string& text = args.operands[1];
-    const auto found =
-        textures ? FindTextures(archive, text) : FindCollisionModels(archive, TempsFolder(), text);
-    if (!textures) {
-        // The window leaves its copies for the editor to clear on closing; a
-        // command-line run has no closing, so it takes its copies away itself.
-        for (const Entry& entry : archive.table().rows()) {
-            const auto copy = EntryFileIn(TempsFolder(), entry.name);
-            if (KindOfName(entry.name) == EntryKind::Collision && copy) {
-                std::error_code ec;
-                std::filesystem::remove(*copy, ec);
-            }
-        }
+    // Rows go out as they are found and unread entries are named as they
+    // come, so memory stays flat however many names the entries hold.
+    const FileSearchOutput output{
+        [](const FoundInFile& f) {
+            const std::string line = ShownName(f.name) + '\t' + ShownName(f.entryName) + '\t' +
+                                     std::to_string(f.row) + '\n';
+            std::fwrite(line.data(), 1, line.size(), stdout);
+        },
+        [](const UnreadEntry& entry) {
+            PrintError("cannot read " + ShownName(entry.entryName) + " (row " +
+                       std::to_string(entry.row) + "): " + entry.why);
+        }};
+    const FileSearchCounts counts = textures
+                                        ? FindTextures(archive, text, output)
+                                        : FindCollisionModels(archive, TempsFolder(), text, output);
+    const int printed = Print({});
+    if (printed == 0 && counts.unread != 0) {
+        PrintError("entries that could not be read: " + std::to_string(counts.unread));
+        return ExitSomeUnread;
     }
-    std::string out;
-    for (const FoundInFile& f : found) {
-        out +=
-            ShownName(f.name) + '\t' + ShownName(f.entryName) + '\t' + std::to_string(f.row) + '\n';
-    }
-    return Print(out);
+    return printed;
 }
 
 int Check(const Arguments& args) {
@@ -87,11 +95,13 @@ int Check(const Arguments& args) {
     if (!session.open(args.operands[0])) {
         return ExitFailure;
     }
-    std::string out;
-    for (const std::string& name : DuplicatePairs(session.archive().table())) {
-        out += ShownName(name) + '\n';
-    }
-    return Print(out);
+    // Each pair goes out as it is found: the pairs of one name held by many
+    // rows outnumber what memory could hold.
+    (void)ForEachDuplicatePair(session.archive().table(), [](const std::string& name) {
+        const std::string line = ShownName(name) + '\n';
+        std::fwrite(line.data(), 1, line.size(), stdout);
+    });
+    return Print({});
 }
 
 int Report(const Arguments& args) {

@@ -7,7 +7,9 @@
 #include "search/CollisionFile.h"
 #include "search/TextureDictionary.h"
 
+#include <cstdio>
 #include <optional>
+#include <random>
 #include <system_error>
 
 namespace korvel {
@@ -45,30 +47,86 @@ void Step(const SearchProgress& progress, std::size_t done) {
     }
 }
 
-// The models of the copy of a collision entry; nothing when there is no
-// copy to read.
-void ReadCollisionCopy(const fs::path& copy, const Entry& entry, std::size_t row,
-                       std::vector<NameRow>& names) {
+// Why an entry cannot be read at all from a data file of `dataLength` bytes
+// (nothing when the length is unknown or the entry is there to read).
+std::string PastTheEnd(const Entry& entry, std::optional<std::uint64_t> dataLength) {
+    if (!dataLength || entry.byteCount() == 0 || entry.byteOffset() < *dataLength) {
+        return {};
+    }
+    return "the entry starts at byte " + std::to_string(entry.byteOffset()) +
+           ", past the end of the data file (" + std::to_string(*dataLength) + " bytes)";
+}
+
+// A folder inside `parent` that this search has just created, so nothing in
+// it was put there by anyone else: no planted file or link to read or
+// delete. create_directory only reports success for a folder it made.
+std::optional<fs::path> CreateOwnFolder(const fs::path& parent, std::string& why) {
+    std::error_code ec;
+    fs::create_directories(parent, ec);
+    std::random_device random;
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        char name[40];
+        std::snprintf(name, sizeof name, "korvel-collisions-%08x", random());
+        const fs::path folder = parent / name;
+        if (fs::create_directory(folder, ec)) {
+            return folder;
+        }
+        if (ec && ec != std::errc::file_exists) {
+            why = ec.message();
+            return std::nullopt;
+        }
+    }
+    why = "no free folder name in " + parent.string();
+    return std::nullopt;
+}
+
+// Copies one collision entry to `copy`, hands its models to `model`, and
+// removes the copy again. Empty on success, else why it could not be read.
+std::string ReadCollisionEntry(const Archive& archive, const Entry& entry, const fs::path& copy,
+                               const std::function<void(std::string model)>& model) {
+    const Status copied = CopyEntryToFile(archive, entry, copy).status;
+    std::string why;
     FileSource file;
     const auto length = FileLength(copy);
-    if (!length || !file.open(copy)) {
-        return;
+    if (!copied.ok()) {
+        why = "cannot copy it out: " + copied.error();
+    } else if (!length || !file.open(copy)) {
+        why = "cannot read its copy";
+    } else {
+        for (std::string& name : ReadCollisionNames(file, 0, *length)) {
+            model(std::move(name));
+        }
     }
-    for (std::string& model : ReadCollisionNames(file, 0, *length)) {
-        names.push_back({std::move(model), entry.name, row});
+    std::error_code ec;
+    fs::remove(copy, ec);
+    return why;
+}
+
+// Hands a found row to the output and counts it.
+void Found(const FileSearchOutput& output, FileSearchCounts& counts, FoundInFile found) {
+    ++counts.found;
+    if (output.found) {
+        output.found(std::move(found));
+    }
+}
+
+void Unread(const std::function<void(UnreadEntry)>& unread, UnreadEntry entry) {
+    if (unread) {
+        unread(std::move(entry));
     }
 }
 
 } // namespace
 
-std::vector<NameRow> ReadTextureDictionaryNames(const Archive& archive,
-                                                const SearchProgress& progress,
-                                                std::uint64_t* bytesRead) {
+std::uint64_t ReadTextureDictionaryNames(const Archive& archive,
+                                         const std::function<void(NameRow)>& name,
+                                         const std::function<void(UnreadEntry)>& unread,
+                                         const SearchProgress& progress) {
     const EntryTable& table = archive.table();
     Begin(progress, CountOfKind(table, EntryKind::Texture));
-    std::vector<NameRow> names;
     FileSource data;
     data.open(archive.dataPath());
+    const auto dataLength = FileLength(archive.dataPath());
     std::size_t step = 0;
     for (std::size_t i = 0; i < table.size(); ++i) {
         const Entry& entry = table[i];
@@ -76,76 +134,88 @@ std::vector<NameRow> ReadTextureDictionaryNames(const Archive& archive,
             continue;
         }
         Step(progress, ++step);
-        if (SkippedDictionary(entry.name) || !data.isOpen()) {
+        if (SkippedDictionary(entry.name)) {
+            continue;
+        }
+        std::string why = data.isOpen() ? PastTheEnd(entry, dataLength)
+                                        : "cannot open the data file " + archive.dataPath();
+        if (!why.empty()) {
+            Unread(unread, {entry.name, i + 1, std::move(why)});
             continue;
         }
         for (TextureName& texture : ReadTextureNames(data, entry.byteOffset(), entry.byteCount())) {
-            names.push_back({std::move(texture.name), std::move(texture.mask), i + 1});
+            name({std::move(texture.name), std::move(texture.mask), i + 1});
         }
     }
-    if (bytesRead) {
-        *bytesRead = data.bytesRead();
-    }
-    return names;
+    return data.bytesRead();
 }
 
-std::vector<FoundInFile> FindTextures(const Archive& archive, std::string_view text,
-                                      const SearchProgress& progress) {
-    const std::vector<NameRow> names = ReadTextureDictionaryNames(archive, progress);
-    std::vector<FoundInFile> found;
-    if (const auto wanted = Utf8ToCp1252(text)) {
-        for (const NameRow& n : names) {
-            if (n.name.find(*wanted) != std::string::npos) {
-                found.push_back({n.name, archive.table()[n.row - 1].name, n.row});
+FileSearchCounts FindTextures(const Archive& archive, std::string_view text,
+                              const FileSearchOutput& output, const SearchProgress& progress) {
+    FileSearchCounts counts;
+    const auto wanted = Utf8ToCp1252(text);
+    (void)ReadTextureDictionaryNames(
+        archive,
+        [&](NameRow n) {
+            if (wanted && n.name.find(*wanted) != std::string::npos) {
+                Found(output, counts, {std::move(n.name), archive.table()[n.row - 1].name, n.row});
             }
-        }
-    }
-    return found;
+        },
+        [&](UnreadEntry entry) {
+            ++counts.unread;
+            Unread(output.unread, std::move(entry));
+        },
+        progress);
+    return counts;
 }
 
-std::vector<FoundInFile> FindCollisionModels(const Archive& archive, const fs::path& copiesFolder,
-                                             std::string_view text,
-                                             const SearchProgress& progress) {
+FileSearchCounts FindCollisionModels(const Archive& archive, const fs::path& copiesFolder,
+                                     std::string_view text, const FileSearchOutput& output,
+                                     const SearchProgress& progress) {
     const EntryTable& table = archive.table();
-    Begin(progress, CountOfKind(table, EntryKind::Collision));
-    struct Copy {
-        std::size_t row;
-        std::optional<fs::path> path; // nothing when the name cannot be a file name
+    const std::size_t collisions = CountOfKind(table, EntryKind::Collision);
+    Begin(progress, collisions);
+    FileSearchCounts counts;
+    const auto unread = [&](const Entry& entry, std::size_t row, std::string why) {
+        ++counts.unread;
+        Unread(output.unread, {entry.name, row, std::move(why)});
     };
-    std::vector<Copy> copies;
+    std::string folderProblem;
+    const std::optional<fs::path> own =
+        collisions == 0 ? std::nullopt : CreateOwnFolder(copiesFolder, folderProblem);
+    const auto wanted = Utf8ToCp1252(text);
+    const std::string needle = wanted ? ToLowerCp1252(*wanted) : std::string();
+    const auto dataLength = FileLength(archive.dataPath());
+    std::size_t step = 0;
     for (std::size_t i = 0; i < table.size(); ++i) {
-        if (!IsOfKind(table[i], EntryKind::Collision)) {
+        const Entry& entry = table[i];
+        if (!IsOfKind(entry, EntryKind::Collision)) {
             continue;
         }
-        Copy copy{i + 1, EntryFileIn(copiesFolder, table[i].name)};
-        if (copy.path) {
-            std::error_code ec;
-            fs::create_directories(copiesFolder, ec);
-            // A copy that fails is read for what it holds, as it always was.
-            (void)CopyEntryToFile(archive, table[i], *copy.path);
-        }
-        copies.push_back(std::move(copy));
-        Step(progress, copies.size());
-    }
-    Step(progress, 0);
-    std::vector<NameRow> names;
-    std::size_t step = 0;
-    for (const Copy& copy : copies) {
         Step(progress, ++step);
-        if (copy.path) {
-            ReadCollisionCopy(*copy.path, table[copy.row - 1], copy.row, names);
+        if (!own) {
+            unread(entry, i + 1, "cannot make a folder for the copies: " + folderProblem);
+            continue;
+        }
+        if (std::string why = PastTheEnd(entry, dataLength); !why.empty()) {
+            unread(entry, i + 1, std::move(why));
+            continue;
+        }
+        std::string why =
+            ReadCollisionEntry(archive, entry, *own / "copy.col", [&](std::string model) {
+                if (wanted && ToLowerCp1252(model).find(needle) != std::string::npos) {
+                    Found(output, counts, {std::move(model), entry.name, i + 1});
+                }
+            });
+        if (!why.empty()) {
+            unread(entry, i + 1, std::move(why));
         }
     }
-    std::vector<FoundInFile> found;
-    if (const auto wanted = Utf8ToCp1252(text)) {
-        const std::string needle = ToLowerCp1252(*wanted);
-        for (NameRow& n : names) {
-            if (ToLowerCp1252(n.name).find(needle) != std::string::npos) {
-                found.push_back({std::move(n.name), std::move(n.second), n.row});
-            }
-        }
+    if (own) {
+        std::error_code ec;
+        fs::remove(*own, ec); // empty by now; never anything but our own folder
     }
-    return found;
+    return counts;
 }
 
 std::vector<std::string> FoundInFileLines(const std::vector<FoundInFile>& found) {

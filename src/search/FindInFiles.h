@@ -1,8 +1,7 @@
 // Find in files: texture names inside an archive's texture dictionaries and
 // model names inside its collision files. Dictionaries are read in place in
 // the data file, names only; collision files are first copied to a folder
-// (the window's temps folder, where viewing finds them too) and read from
-// there.
+// (inside the window's temps folder) and read from there.
 #pragma once
 
 #include "archive/Archive.h"
@@ -32,34 +31,59 @@ struct FoundInFile {
 
 // How far a search has come, for a progress bar: `begin` with the number of
 // entries of the kind searched, then `step` with 1, 2, ... as each is passed.
-// The collision search makes two passes (copying, then reading) and steps
-// back to 0 between them. Either may be empty.
+// Either may be empty.
 struct SearchProgress {
     std::function<void(std::size_t entries)> begin;
     std::function<void(std::size_t done)> step;
 };
 
-// Every texture of every dictionary in the archive, in row order and file
-// order. Dictionaries named "odie..." (any case), "Partty_main_lights.txd"
-// and "xmode.txd" are counted on the progress bar but never read. A data file
-// that cannot be opened reads as holding nothing. `bytesRead` (if given)
-// receives how many bytes were read from the data file.
-std::vector<NameRow> ReadTextureDictionaryNames(const Archive& archive,
-                                                const SearchProgress& progress = {},
-                                                std::uint64_t* bytesRead = nullptr);
+// An entry a search could not read, and why (the system's words or ours).
+struct UnreadEntry {
+    std::string entryName; // raw bytes
+    std::size_t row;       // 1-based
+    std::string why;
+};
+
+// Where a search's findings go, one at a time as they are found, so memory
+// stays flat however many names the archive's entries hold. Either may be
+// empty.
+struct FileSearchOutput {
+    std::function<void(FoundInFile found)> found;
+    std::function<void(UnreadEntry unread)> unread;
+};
+
+// How many results and unread entries a search handed out.
+struct FileSearchCounts {
+    std::uint64_t found = 0;
+    std::uint64_t unread = 0;
+};
+
+// Hands `name` every texture of every dictionary in the archive, in row
+// order and file order. Dictionaries named "odie..." (any case),
+// "Partty_main_lights.txd" and "xmode.txd" are counted on the progress bar
+// but never read. A dictionary that cannot be read (the data file does not
+// open, or the entry starts past its end) goes to `unread`. Returns how many
+// bytes were read from the data file.
+std::uint64_t ReadTextureDictionaryNames(const Archive& archive,
+                                         const std::function<void(NameRow row)>& name,
+                                         const std::function<void(UnreadEntry unread)>& unread,
+                                         const SearchProgress& progress = {});
 
 // Texture names holding `text` (UTF-8), with case: compared byte for byte.
-std::vector<FoundInFile> FindTextures(const Archive& archive, std::string_view text,
-                                      const SearchProgress& progress = {});
+FileSearchCounts FindTextures(const Archive& archive, std::string_view text,
+                              const FileSearchOutput& output, const SearchProgress& progress = {});
 
-// Model names holding `text` (UTF-8), any case. Every collision entry is
-// first copied into `copiesFolder` (created when missing) under its name; an
-// entry whose name cannot be a file name there, or whose copy fails, lists
-// nothing. The copies stay for the caller to clear.
-std::vector<FoundInFile> FindCollisionModels(const Archive& archive,
-                                             const std::filesystem::path& copiesFolder,
-                                             std::string_view text,
-                                             const SearchProgress& progress = {});
+// Model names holding `text` (UTF-8), any case. Each collision entry in turn
+// is copied into a folder the search creates for itself inside
+// `copiesFolder` (created when missing), under a name of the search's own,
+// read there and removed before the next, so the search never touches a file
+// it did not make and never holds more than one copy on the disk. The folder
+// is removed at the end. An entry that cannot be copied or read goes to
+// `unread`.
+FileSearchCounts FindCollisionModels(const Archive& archive,
+                                     const std::filesystem::path& copiesFolder,
+                                     std::string_view text, const FileSearchOutput& output,
+                                     const SearchProgress& progress = {});
 
 // The lines a saved result list holds: "name  --  entry" per result.
 std::vector<std::string> FoundInFileLines(const std::vector<FoundInFile>& found);

@@ -160,9 +160,24 @@ std::string WriteInContent(std::string_view content, std::string_view section, s
         oneLine.begin(), oneLine.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
     const std::string newLine = std::string(key) + "=" + oneLine;
 
+    // Every line we do not replace goes out byte for byte, its own line end
+    // included: a file of mixed line ends, or a value ending in CR, must read
+    // the same after the write. Only a last line without a line feed gets
+    // one, chosen so it still reads as before.
     std::vector<std::string> lines;
-    for (std::string_view line : SplitLines(content)) {
-        lines.emplace_back(line);
+    std::vector<std::string> ends;
+    const std::vector<std::string_view> split = SplitLines(content);
+    for (std::size_t i = 0; i < split.size(); ++i) {
+        const std::size_t textEnd =
+            static_cast<std::size_t>(split[i].data() - content.data()) + split[i].size();
+        const std::size_t next =
+            i + 1 < split.size() ? static_cast<std::size_t>(split[i + 1].data() - content.data())
+                                 : content.size();
+        const std::string_view end = content.substr(textEnd, next - textEnd);
+        lines.emplace_back(split[i]);
+        ends.emplace_back(end.ends_with('\n') ? std::string(end)
+                          : end == "\r"       ? std::string("\r\n")
+                                              : std::string(eol));
     }
 
     std::optional<std::size_t> header;
@@ -194,17 +209,20 @@ std::string WriteInContent(std::string_view content, std::string_view section, s
     }
     if (!replaced) {
         if (header) {
-            lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(*lastInSection) + 1, newLine);
+            const auto at = static_cast<std::ptrdiff_t>(*lastInSection) + 1;
+            lines.insert(lines.begin() + at, newLine);
+            ends.insert(ends.begin() + at, std::string(eol));
         } else {
             lines.push_back("[" + std::string(section) + "]");
             lines.push_back(newLine);
+            ends.insert(ends.end(), 2, std::string(eol));
         }
     }
 
     std::string out;
-    for (const std::string& line : lines) {
-        out += line;
-        out += eol;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        out += lines[i];
+        out += ends[i];
     }
     return out;
 }

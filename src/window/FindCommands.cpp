@@ -1,5 +1,6 @@
 #include "window/FindCommands.h"
 
+#include "archive/Names.h"
 #include "platform/Folders.h"
 #include "platform/TextFile.h"
 #include "window/SaveLines.h"
@@ -19,17 +20,51 @@ SearchProgress ProgressOn(Desktop& desktop) {
             [&desktop](std::size_t done) { desktop.SetProgress(static_cast<int>(done)); }};
 }
 
+// The result list keeps this many rows; a search that finds more says how
+// many it left out. Many dictionary records pointing at one dictionary of
+// 65 535 textures would otherwise make billions of rows.
+constexpr std::size_t FoundRowsKept = 100'000;
+
+// The unread entries the message names one by one; the rest are counted.
+constexpr std::size_t UnreadNamed = 20;
+
 // A file search as the window runs it: busy pointer and the remembered text
-// first; normal pointer and progress back to 0 at the end.
+// first; normal pointer and progress back to 0 at the end; then, when the
+// list is not the whole answer, a message saying what is missing from it.
 template <class Search>
 std::vector<FoundInFile> RunFileSearch(Editor& editor, const std::string& text, Search search) {
     Desktop& desktop = editor.desktop();
     desktop.SetBusy(true);
     editor.settings().WriteSetting(text, "lastFileSearch");
-    std::vector<FoundInFile> found = search(ProgressOn(desktop));
+    std::vector<FoundInFile> found;
+    std::string unread;
+    std::size_t named = 0;
+    const FileSearchOutput output{[&](FoundInFile f) {
+                                      if (found.size() < FoundRowsKept) {
+                                          found.push_back(std::move(f));
+                                      }
+                                  },
+                                  [&](const UnreadEntry& entry) {
+                                      if (named++ < UnreadNamed) {
+                                          unread += "\n" + Cp1252ToUtf8(entry.entryName) + ": " +
+                                                    entry.why;
+                                      }
+                                  }};
+    const FileSearchCounts counts = search(output, ProgressOn(desktop));
     desktop.SetBusy(false);
     desktop.SetProgress(0);
     desktop.HideProgress();
+    if (counts.found > found.size()) {
+        desktop.ShowMessage(editor.text("fif1") + " " + std::to_string(counts.found - found.size()),
+                            editor.text("fif0"), MessageIcon::Information);
+    }
+    if (counts.unread != 0) {
+        if (counts.unread > UnreadNamed) {
+            unread += "\n... +" + std::to_string(counts.unread - UnreadNamed);
+        }
+        desktop.ShowMessage(editor.text("fif2") + unread, editor.text("fif0"),
+                            MessageIcon::Exclamation);
+    }
     return found;
 }
 
@@ -68,15 +103,17 @@ std::vector<FoundEntry> SearchArchive(Editor& editor, const std::string& text,
 }
 
 std::vector<FoundInFile> SearchTextures(Editor& editor, const std::string& text) {
-    return RunFileSearch(editor, text, [&](const SearchProgress& progress) {
-        return FindTextures(editor.archive(), text, progress);
-    });
+    return RunFileSearch(editor, text,
+                         [&](const FileSearchOutput& output, const SearchProgress& progress) {
+                             return FindTextures(editor.archive(), text, output, progress);
+                         });
 }
 
 std::vector<FoundInFile> SearchCollisionModels(Editor& editor, const std::string& text) {
-    return RunFileSearch(editor, text, [&](const SearchProgress& progress) {
-        return FindCollisionModels(editor.archive(), TempsFolder(), text, progress);
-    });
+    return RunFileSearch(
+        editor, text, [&](const FileSearchOutput& output, const SearchProgress& progress) {
+            return FindCollisionModels(editor.archive(), TempsFolder(), text, output, progress);
+        });
 }
 
 void SaveFoundEntries(Editor& editor, const std::optional<std::vector<FoundEntry>>& found) {

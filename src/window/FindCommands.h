@@ -25,7 +25,9 @@ std::vector<FoundEntry> SearchArchive(Editor& editor, const std::string& text,
 
 // The find-in-files window's button, in either mode: remembers the text in
 // lastFileSearch and shows the busy pointer and progress while it reads.
-// Collision files are copied to the temps folder.
+// Collision files are copied into the temps folder one at a time. The list
+// keeps the first hundred thousand results; a message says how many more
+// there were, and another names the entries that could not be read.
 std::vector<FoundInFile> SearchTextures(Editor& editor, const std::string& text);
 std::vector<FoundInFile> SearchCollisionModels(Editor& editor, const std::string& text);
 

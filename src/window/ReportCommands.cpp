@@ -11,6 +11,11 @@ namespace {
 // than the check itself, so it moves on in steps and always shows the end.
 constexpr std::size_t CheckStatusStep = 512;
 
+// The message box and the clipboard list this many pairs and then say how
+// many more there are: one name held by every row of a full archive makes
+// over half a billion pairs, more text than any window or clipboard can hold.
+constexpr std::uint64_t CheckPairsListed = 10'000;
+
 void SaveReportAskingPath(Editor& editor, ReportKind kind) {
     const FileDialogRequest request{editor.text("menub10"),
                                     kind == ReportKind::Text ? editor.text("cdFiles3")
@@ -44,18 +49,22 @@ void CheckArchiveAsking(Editor& editor) {
     if (desktop.AskYesNo(editor.text("aCheck1") + "\n" + editor.text("rebuild2"),
                          editor.text("menub8") + "?")) {
         const std::string label = editor.text("aCheck4");
-        const auto pairs = DuplicatePairs(editor.table(), [&](std::size_t row, std::size_t rows) {
-            if (row == 1 || row == rows || row % CheckStatusStep == 0) {
-                desktop.SetStatus(label + " " + std::to_string(row) + "/" + std::to_string(rows));
-            }
-        });
-        if (pairs.empty()) {
+        DuplicateReport report(editor.settings(), CheckPairsListed);
+        (void)ForEachDuplicatePair(
+            editor.table(), [&](const std::string& name) { report.add(name); },
+            [&](std::size_t row, std::size_t rows) {
+                if (row == 1 || row == rows || row % CheckStatusStep == 0) {
+                    desktop.SetStatus(label + " " + std::to_string(row) + "/" +
+                                      std::to_string(rows));
+                }
+            });
+        if (report.pairs() == 0) {
             desktop.ShowMessage(editor.text("aCheck5"), editor.text("aCheck6"),
                                 MessageIcon::Information);
         } else {
-            const std::string report = DuplicateReport(editor.settings(), pairs);
-            desktop.SetClipboardText(report);
-            desktop.ShowMessage(report + "\n" + editor.text("aCheck3"), editor.text("aCheck6"),
+            const std::string text = report.text();
+            desktop.SetClipboardText(text);
+            desktop.ShowMessage(text + "\n" + editor.text("aCheck3"), editor.text("aCheck6"),
                                 MessageIcon::Information);
         }
     }

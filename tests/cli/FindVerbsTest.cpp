@@ -42,6 +42,14 @@ TEST(CliFind, PrintsOneLinePerMatchAndExitCodes) {
         EXPECT_EQ(result.exitCode, c.exitCode) << c.args[1] << " " << result.err;
         EXPECT_EQ(result.out, c.out) << c.args[1];
     }
+    // Entries that cannot be read are named; the exit status says the list
+    // may be incomplete.
+    test::WriteArchive(folder / "far.img", {{0, 1, "a.col"}, {1000, 1, "far.col"}}, SectorSize);
+    const auto far = RunCli({"find-in", (folder / "far.img").string(), "", "--collisions"});
+    EXPECT_EQ(far.exitCode, 3);
+    EXPECT_EQ(far.err, "korvel-cli: cannot read far.col (row 2): the entry starts at byte 2048000, "
+                       "past the end of the data file (2048 bytes)\n"
+                       "korvel-cli: entries that could not be read: 1\n");
     // The copies find-in read are gone again.
     EXPECT_TRUE(!fs::exists(folder / "temps") || fs::is_empty(folder / "temps"));
 }

@@ -12,7 +12,7 @@ namespace korvel {
 namespace {
 
 // The counting check must list exactly what comparing every pair lists.
-TEST(DuplicatePairs, MatchesThePairwiseComparison) {
+TEST(ForEachDuplicatePair, MatchesThePairwiseComparison) {
     std::mt19937 random(7);
     const std::vector<std::string> pool = {"a", "b", "B", "c.dff", std::string(MarkerName), ""};
     for (int round = 0; round < 200; ++round) {
@@ -28,8 +28,12 @@ TEST(DuplicatePairs, MatchesThePairwiseComparison) {
                 if (rows[i].name != MarkerName && rows[j].name == rows[i].name)
                     pairwise.push_back(rows[i].name);
         std::vector<std::size_t> seen;
-        EXPECT_EQ(DuplicatePairs(table, [&](std::size_t row, std::size_t) { seen.push_back(row); }),
-                  pairwise);
+        std::vector<std::string> streamed;
+        EXPECT_EQ(ForEachDuplicatePair(
+                      table, [&](const std::string& name) { streamed.push_back(name); },
+                      [&](std::size_t row, std::size_t) { seen.push_back(row); }),
+                  pairwise.size());
+        EXPECT_EQ(streamed, pairwise);
         EXPECT_EQ(seen.size(), n);
     }
 }
@@ -42,6 +46,10 @@ TEST_F(CheckCommandTest, ShowsAndCopiesOnlyWhatItFound) {
     const std::string progress = "status: " + text("aCheck4");
     const std::string shown = "message(Information) " + text("aCheck6") + ": ";
     const std::string done = "status: " + text("aCheck6");
+    std::string many = text("aCheck2");
+    for (int i = 0; i < 10'000; ++i)
+        many += "\r\na.dff";
+    many += "\r\n" + text("aCheck7") + " 153";
     const std::string question =
         "ask " + text("menub8") + "?: " + text("aCheck1") + "\n" + text("rebuild2");
     const struct {
@@ -64,6 +72,11 @@ TEST_F(CheckCommandTest, ShowsAndCopiesOnlyWhatItFound) {
          "before",
          {progress + " 1/2", progress + " 2/2", shown + text("aCheck5"), done}},
         {{{0, 1, "a.dff"}, {0, 1, "a.dff"}}, "no", "before", {done}},
+        // 143 rows of one name make 10 153 pairs: the list stops at 10 000.
+        {std::vector<DirRecord>(143, {0, 1, "a.dff"}),
+         "yes",
+         many,
+         {progress + " 1/143", progress + " 143/143", shown + many + "\n" + text("aCheck3"), done}},
     };
     for (const auto& c : cases) {
         openArchive("check.img", c.rows, SectorSize);
