@@ -40,8 +40,11 @@ const fs::path& Folder() {
         }
         static std::ofstream quiet("/dev/null");
         std::cerr.rdbuf(quiet.rdbuf());
-        char pattern[] = "/tmp/korvel-fuzz-archive-XXXXXX";
-        if (!mkdtemp(pattern)) {
+        // TMPDIR=/dev/shm keeps the many small writes in memory on a long run.
+        const char* tmp = std::getenv("TMPDIR");
+        std::string pattern =
+            std::string(tmp != nullptr ? tmp : "/tmp") + "/korvel-fuzz-archive-XXXXXX";
+        if (!mkdtemp(pattern.data())) {
             std::abort();
         }
         // A home of this process's own, so its temps folder is its own too
