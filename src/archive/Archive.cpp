@@ -63,6 +63,9 @@ Status Archive::ReadDirectory(const std::string& dataPath, const std::string& di
     if (RecordCountForLength(*length) > MaxRecords) {
         return fail(TooManyEntries(dirPath));
     }
+    // Taken before reading: a change in between makes the next write refuse,
+    // which is the safe side.
+    const std::optional<FileStamp> stamp = StampOf(dirPath);
     FsError error;
     const auto bytes = ReadSmallFile(dirPath, error);
     if (!bytes) {
@@ -74,6 +77,7 @@ Status Archive::ReadDirectory(const std::string& dataPath, const std::string& di
     }
     dataPath_ = dataPath;
     dirPath_ = dirPath;
+    dirStamp_ = stamp;
     table_.assign(RowsOf(records));
     FindHighestOffset();
     return Status::Ok();
@@ -94,19 +98,31 @@ Status Archive::WriteDirectory() {
     for (const Entry& entry : table_.rows()) {
         records.push_back({entry.startSector, entry.sizeSectors, entry.name});
     }
-    const FsError error = WriteFileAtomically(dirPath_, EncodeDirectory(records));
-    return error.empty() ? Status::Ok() : Status::Failed(error);
+    if (FsError error = WriteFileAtomically(dirPath_, EncodeDirectory(records)); !error.empty()) {
+        return Status::Failed(error);
+    }
+    dirStamp_ = StampOf(dirPath_); // no one else writes while the lock is held
+    return Status::Ok();
 }
 
 void Archive::FollowDirectoryOnDisk() {
+    const std::optional<FileStamp> stamp = StampOf(dirPath_);
     FsError error;
     if (const auto bytes = ReadSmallFile(dirPath_, error)) {
         table_.assign(RowsOf(DecodeDirectory(*bytes)));
+        dirStamp_ = stamp;
     }
     FindHighestOffset();
 }
 
+bool Archive::changedOnDisk() const {
+    // A file that has gone is left to the write to recreate or report.
+    const std::optional<FileStamp> now = StampOf(dirPath_);
+    return dirStamp_ && now && *now != *dirStamp_;
+}
+
 void Archive::Close() {
+    dirStamp_.reset();
     table_.clear();
     dataPath_ = NoPath;
     dirPath_ = NoPath;
@@ -232,7 +248,13 @@ ArchiveLock LockForWriting(const Archive& archive) {
                                         "was changed.");
         }
     }
-    return ArchiveLock::Take(archive.dataPath());
+    ArchiveLock lock = ArchiveLock::Take(archive.dataPath());
+    if (lock.held() && archive.changedOnDisk()) {
+        return ArchiveLock::Refused(archive.dirPath() +
+                                    " was changed by another program since Korvel read it; open "
+                                    "the archive again to see the change. Nothing was changed.");
+    }
+    return lock;
 }
 
 bool DirectoryIsDataFile(const std::string& dataPath) {

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "archive/EntryTable.h"
+#include "platform/FileSystem.h"
 #include "platform/Status.h"
 
 #include <cstdint>
@@ -50,7 +51,14 @@ public:
     // Forgets the archive: no paths, no rows.
     void Close();
 
+    // True when the directory file on disk is no longer the one the rows were
+    // read from or last written to: another program (a second window, the
+    // command-line tool) changed the archive, and writing from these rows
+    // would undo its change or put data over its entries.
+    bool changedOnDisk() const;
+
 private:
+    std::optional<FileStamp> dirStamp_;
     std::string dataPath_{NoPath};
     std::string dirPath_{NoPath};
     std::uint64_t highestOffset_ = 0;

@@ -252,8 +252,8 @@ int MoveToEnd(const Arguments& args) {
     }
     if (const Status moved = MoveRowsToEnd(run.archive(), *rows); !moved.ok()) {
         run.failure(moved);
+        return ExitFailure;
     }
-    // Deliberate: the move reports its failure but does not fail the verb.
     return 0;
 }
 

@@ -35,6 +35,27 @@ std::optional<std::uint64_t> FileLength(const fs::path& path) {
     return size;
 }
 
+std::optional<FileStamp> StampOf(const fs::path& path) {
+    std::error_code ec;
+    const std::uint64_t length = fs::file_size(path, ec);
+    if (ec) {
+        return std::nullopt;
+    }
+    const fs::file_time_type modified = fs::last_write_time(path, ec);
+    if (ec) {
+        return std::nullopt;
+    }
+    FileStamp stamp{length, modified};
+#ifndef _WIN32
+    struct stat info {};
+    if (stat(path.c_str(), &info) == 0) {
+        stamp.device = static_cast<std::uint64_t>(info.st_dev);
+        stamp.inode = static_cast<std::uint64_t>(info.st_ino);
+    }
+#endif
+    return stamp;
+}
+
 bool IsReadOnly(const fs::path& path) {
     std::error_code ec;
     const auto status = fs::status(path, ec);

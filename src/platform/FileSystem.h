@@ -16,6 +16,19 @@ using FsError = std::string;
 
 bool FileExists(const std::filesystem::path& path);
 std::optional<std::uint64_t> FileLength(const std::filesystem::path& path);
+
+// A file's length, modification time and (on POSIX) identity: every write
+// through WriteFileAtomically makes a new file, so a different stamp means
+// someone wrote the file since the stamp was taken. (Windows has no identity
+// here; two writes of one length within its clock's tick look alike.)
+struct FileStamp {
+    std::uint64_t length = 0;
+    std::filesystem::file_time_type modified;
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+    bool operator==(const FileStamp&) const = default;
+};
+std::optional<FileStamp> StampOf(const std::filesystem::path& path);
 bool IsReadOnly(const std::filesystem::path& path);
 // Whether we may change the file: it exists, has a write permission bit (a
 // file the person made read-only stays so, even for an administrator) and the
