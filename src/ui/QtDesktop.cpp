@@ -161,6 +161,9 @@ void QtDesktop::ShowCancellableProgress(int maximum) {
         }
     }
     ShowProgress(maximum);
+    // The status bar lays itself out anew for the button; let it, and paint,
+    // before the first step (the guard already holds input back).
+    QCoreApplication::processEvents();
     sincePump_.restart();
 }
 

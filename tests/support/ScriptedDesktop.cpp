@@ -120,7 +120,7 @@ void ScriptedDesktop::HideProgress() {
 }
 
 bool ScriptedDesktop::ProgressCancelled() {
-    return cancelAtPoll != 0 && ++polls >= cancelAtPoll;
+    return cancelAtPoll != 0 && --cancelAtPoll == 0;
 }
 
 void ScriptedDesktop::SetBusy(bool) {}

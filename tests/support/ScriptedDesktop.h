@@ -27,10 +27,8 @@ public:
     std::string status;
     std::string stats;
     std::string archivePath;
-    // Cancel is pressed at the `cancelAtPoll`-th ProgressCancelled (1-based;
-    // 0: never); `polls` counts them.
+    // Cancel is pressed at the `cancelAtPoll`-th ProgressCancelled from now (0: never).
     std::size_t cancelAtPoll = 0;
-    std::size_t polls = 0;
 
     void answer(std::initializer_list<std::string> next) {
         answers.insert(answers.end(), next.begin(), next.end());
