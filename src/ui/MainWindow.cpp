@@ -204,7 +204,9 @@ void MainWindow::addCancelButton(QStatusBar* bar) {
     cancel->setObjectName(QStringLiteral("cancelWork"));
     cancel->setFocusPolicy(Qt::NoFocus); // Escape cancels from anywhere
     cancel->hide();
-    bar->addPermanentWidget(cancel);
+    // At the left, where the space the status text gives up is: the
+    // statistics keep their place on the right.
+    bar->insertWidget(0, cancel);
     desktop_.attachCancelButton(cancel, [this, cancel] {
         cancel->setText(Q(editor_.text("workCancel")));
         cancel->setToolTip(Q(editor_.text("workCancelTip")));

@@ -10,6 +10,7 @@
 #include <QInputDialog>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QLayout>
 #include <QMessageBox>
 #include <QProgressBar>
 #include <QStatusBar>
@@ -72,7 +73,9 @@ protected:
         if (event->type() == QEvent::Close) {
             return closeRefused(target, event);
         }
-        if (QApplication::activeModalWidget() != nullptr) {
+        // Input reaches the window first and is then handed to the widget
+        // under the pointer or with the focus: judged there.
+        if (!target->isWidgetType() || QApplication::activeModalWidget() != nullptr) {
             return false;
         }
         switch (event->type()) {
@@ -158,6 +161,9 @@ void QtDesktop::ShowCancellableProgress(int maximum) {
             }
             cancelButton_->setEnabled(true);
             cancelButton_->show();
+            if (bar_ && bar_->layout() != nullptr) {
+                bar_->layout()->activate();
+            }
         }
     }
     ShowProgress(maximum);

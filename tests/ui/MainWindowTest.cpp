@@ -165,7 +165,11 @@ void MainWindowTest::longWorkTakesOnlyCancelAndCloseWaitsForIt() {
     w->setCommand("ComDel", [&] { ran << "ComDel"; });
     // Each way of asking to stop, with a command's key and menu item held back before.
     const std::pair<const char*, std::function<void()>> ways[] = {
-        {"button", [&] { QTest::mouseClick(cancel, Qt::LeftButton); }},
+        {"button",
+         [&] {
+             QTest::mouseClick(w->windowHandle(), Qt::LeftButton, {},
+                               cancel->mapTo(w, cancel->rect().center()));
+         }},
         {"Escape", [&] { QTest::keyClick(view, Qt::Key_Escape); }},
         {"closing", [&] { w->close(); }},
     };
