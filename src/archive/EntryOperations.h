@@ -20,6 +20,14 @@
 
 namespace korvel {
 
+// Asked by long work at each point where it can stop and leave the archive
+// whole (between files, before a rebuild's renames): true stops it there. An
+// empty one never stops.
+using StopCheck = std::function<bool()>;
+inline bool StopAsked(const StopCheck& stop) {
+    return stop && stop();
+}
+
 // --- extracting --------------------------------------------------------------
 struct ExtractResult {
     Status status = Status::Ok();
@@ -150,6 +158,9 @@ LowerCaseResult LowerCaseNames(Archive& archive, const std::vector<std::size_t>&
 struct RebuildProgress {
     std::function<void(std::size_t row)> copying; // before each row's data
     std::function<void()> writingDirectory;
+    // Asked while the data is copied and once more before the journal; a
+    // stop removes the new files and leaves the old archive untouched.
+    StopCheck stop;
 };
 struct RebuildResult {
     Status status = Status::Ok();
@@ -159,6 +170,8 @@ struct RebuildResult {
     // Rows whose records reached past the end of the data file: each was cut
     // to the sectors that exist, and MissingBytesText says how much went.
     std::vector<std::string> cut;
+    // Stopped on request before anything of the old archive changed.
+    bool stopped = false;
 };
 // Writes a compact copy of the archive in row order and puts it in the old
 // pair's place.

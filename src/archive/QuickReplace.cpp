@@ -53,7 +53,8 @@ private:
 
 QuickReplaceCounts ReplaceFromFolder(Archive& archive, const std::vector<std::size_t>& rows,
                                      std::string folder, const AskAboutMissingFile& ask,
-                                     const std::function<void(std::size_t row)>& replaced) {
+                                     const std::function<void(std::size_t row)>& replaced,
+                                     const StopCheck& stop) {
     EntryTable& table = archive.table();
     QuickReplaceCounts counts;
     const ArchiveLock lock = LockForWriting(archive);
@@ -66,6 +67,10 @@ QuickReplaceCounts ReplaceFromFolder(Archive& archive, const std::vector<std::si
     for (std::size_t row : rows) {
         if (row >= table.size()) {
             continue;
+        }
+        if (StopAsked(stop)) {
+            counts.stopped = true;
+            break;
         }
         const std::string name = table[row].name;
         if (name == MarkerName) {

@@ -36,12 +36,17 @@ struct QuickReplaceCounts {
     // Rows skipped because their names cannot be file names in the folder:
     // one message each (UnsafeNameProblem), counted in `skipped`.
     std::vector<std::string> refused;
+    // `stop` ended the run between two rows; those before are replaced.
+    bool stopped = false;
 };
 
 // Replaces `rows` (in the order given) from `folder`. Markers are skipped.
-// `replaced` hears of each row replaced from the folder.
+// `replaced` hears of each row replaced from the folder. Each row's
+// replacement writes the directory file, so `stop`, asked before each row,
+// leaves the archive whole with the rows done so far.
 QuickReplaceCounts ReplaceFromFolder(Archive& archive, const std::vector<std::size_t>& rows,
                                      std::string folder, const AskAboutMissingFile& ask,
-                                     const std::function<void(std::size_t row)>& replaced);
+                                     const std::function<void(std::size_t row)>& replaced,
+                                     const StopCheck& stop = {});
 
 } // namespace korvel

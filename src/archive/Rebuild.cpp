@@ -254,6 +254,8 @@ std::optional<std::string> RecoverInterruptedRebuild(const fs::path& dataPath) {
 
 namespace {
 
+constexpr std::uint64_t CopyPieceBytes = 4 * SpanWindow;
+
 // Removes what a rebuild that stopped before its journal leaves behind.
 void RemoveNewPair(const RebuildFiles& files) {
     RemoveQuietly(files.newData);
@@ -265,9 +267,11 @@ void RemoveNewPair(const RebuildFiles& files) {
 // and the records that say where each now lies. A record reaching past the
 // end of the data file keeps only the sectors that exist (zeros invented for
 // the rest could be terabytes); `cut` says which and how much went.
+// A stop asked for before the last piece is copied sets `stopped` and
+// returns at once; the caller removes the unfinished file.
 Status WriteNewData(const EntryTable& table, File& in, const fs::path& newData,
                     const RebuildProgress& progress, std::vector<DirRecord>& records,
-                    std::vector<std::string>& cut) {
+                    std::vector<std::string>& cut, bool& stopped) {
     File out;
     if (FsError error = out.open(newData, File::Mode::CreateTruncate); !error.empty()) {
         return Status::Failed(error);
@@ -305,11 +309,31 @@ Status WriteNewData(const EntryTable& table, File& in, const fs::path& newData,
                 entry.name, std::uint64_t{entry.sizeSectors - present[row]} * SectorSize));
         }
     }
-    FsError error = CopySpansInOrder(in, out, 0, spans, [&](std::size_t i) {
-        if (progress.copying) {
-            progress.copying(i);
+    FsError error;
+    // The spans go in pieces of about CopyPieceBytes, so that a request to
+    // stop is heard within a moment; each piece still gathers its spans into
+    // large writes.
+    std::uint64_t outAt = 0;
+    for (std::size_t first = 0; error.empty() && first < spans.size();) {
+        if (StopAsked(progress.stop)) {
+            stopped = true;
+            return Status::Ok();
         }
-    });
+        std::size_t end = first;
+        std::uint64_t pieceBytes = 0;
+        while (end < spans.size() && (end == first || pieceBytes < CopyPieceBytes)) {
+            pieceBytes += spans[end++].count;
+        }
+        const std::vector<CopySpan> piece(spans.begin() + static_cast<std::ptrdiff_t>(first),
+                                          spans.begin() + static_cast<std::ptrdiff_t>(end));
+        error = CopySpansInOrder(in, out, outAt, piece, [&](std::size_t i) {
+            if (progress.copying) {
+                progress.copying(first + i);
+            }
+        });
+        outAt += pieceBytes;
+        first = end;
+    }
     if (error.empty()) {
         error = Step("rebuild-data-written");
     }
@@ -401,25 +425,33 @@ RebuildResult RebuildArchive(const Archive& archive, const RebuildProgress& prog
     if (FsError error = in.open(files.data, File::Mode::Read); !error.empty()) {
         result.status = Status::Failed(error);
     } else {
-        result.status =
-            WriteNewData(archive.table(), in, files.newData, progress, records, result.cut);
+        result.status = WriteNewData(archive.table(), in, files.newData, progress, records,
+                                     result.cut, result.stopped);
     }
     const std::string newDirectory = EncodeDirectory(records);
-    if (result.status.ok()) {
+    if (result.status.ok() && !result.stopped) {
         if (progress.writingDirectory) {
             progress.writingDirectory();
         }
         result.status = WriteNewDirectory(newDirectory, files);
     }
-    if (result.status.ok()) {
+    // The last moment a stop leaves the old archive as it was: once the
+    // journal exists the new pair takes its place.
+    if (result.status.ok() && !result.stopped && StopAsked(progress.stop)) {
+        result.stopped = true;
+    }
+    if (result.status.ok() && !result.stopped) {
         const auto written = FileLength(files.newData);
         result.status =
             written ? WriteJournal(files,
                                    {*written, newDirectory.size(), DirectoryChecksum(newDirectory)})
                     : Status::Failed("cannot read the size of " + files.newData.string());
     }
-    if (!result.status.ok()) {
+    if (!result.status.ok() || result.stopped) {
         RemoveNewPair(files);
+        if (result.stopped) {
+            result.cut.clear(); // nothing was rebuilt, so nothing was cut
+        }
         return result;
     }
 

@@ -5,6 +5,7 @@
 // change.
 #include "archive/EntryFiles.h"
 #include "archive/EntryOperations.h"
+#include "cli/Interrupt.h"
 #include "cli/Verbs.h"
 #include "platform/Cp1252.h"
 #include "platform/FileSystem.h"
@@ -64,7 +65,14 @@ int Extract(const Arguments& args) {
     if (!fs::is_directory(dest)) {
         return Fail("cannot create the folder " + dest + (ec ? ": " + ec.message() : ""));
     }
+    CatchInterrupt();
+    std::size_t done = 0;
     for (std::size_t row : *rows) {
+        if (Interrupted()) {
+            return ReportInterrupted(std::to_string(done) + " of " + std::to_string(rows->size()) +
+                                     " entries written");
+        }
+        ++done;
         const ExtractResult result = ExtractEntryTo(run.archive(), row, dest);
         if (!result.target || result.refused) {
             run.error(result.status.error());
@@ -114,9 +122,21 @@ int AddFiles(const Arguments& args) {
                        decision.answer = answer;
                        return decision;
                    });
+    // An interrupt stops between two files; the directory file is then
+    // written once for the files added so far.
+    CatchInterrupt();
+    std::size_t tried = 0;
+    std::size_t added = 0;
     for (const std::string& file : files) {
+        if (Interrupted()) {
+            break;
+        }
+        ++tried;
         std::string name = *Utf8ToCp1252(fs::path(file).filename().string());
         const AddOutcome outcome = batch.Add(file, name);
+        if (outcome.result == AddResult::Added || outcome.result == AddResult::Replaced) {
+            ++added;
+        }
         if (!outcome.shortenedFrom.empty()) {
             PrintError("the name \"" + ShownName(outcome.shortenedFrom) + "\" is longer than " +
                        std::to_string(NameFieldSize) + " characters; it is stored as \"" +
@@ -137,6 +157,10 @@ int AddFiles(const Arguments& args) {
     }
     if (const Status written = batch.Finish(); !written.ok()) {
         run.failure(written);
+    }
+    if (tried < files.size()) {
+        return ReportInterrupted(std::to_string(added) + " of " + std::to_string(files.size()) +
+                                 " files added");
     }
     return run.finish();
 }
@@ -263,7 +287,13 @@ int RebuildArchive(const Arguments& args) {
         return ExitFailure;
     }
     const std::string dataPath = run.archive().dataPath();
-    const RebuildResult result = korvel::RebuildArchive(run.archive(), {});
+    CatchInterrupt();
+    RebuildProgress progress;
+    progress.stop = InterruptCheck();
+    const RebuildResult result = korvel::RebuildArchive(run.archive(), progress);
+    if (result.stopped) {
+        return ReportInterrupted("the archive is unchanged");
+    }
     if (!result.status.ok()) {
         run.failure(result.status);
     }

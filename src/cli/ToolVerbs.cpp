@@ -2,6 +2,7 @@
 // commands on an archive named on the command line.
 #include "archive/Marker.h"
 #include "archive/QuickReplace.h"
+#include "cli/Interrupt.h"
 #include "cli/Verbs.h"
 #include "platform/Cp1252.h"
 #include "settings/FailureTexts.h"
@@ -32,7 +33,9 @@ int QuickReplaceVerb(const Arguments& args) {
     const auto skip = [](const std::string&, std::size_t, const std::string&) {
         return MissingFileAnswer{};
     };
-    const QuickReplaceCounts counts = ReplaceFromFolder(session.archive(), *rows, folder, skip, {});
+    CatchInterrupt();
+    const QuickReplaceCounts counts =
+        ReplaceFromFolder(session.archive(), *rows, folder, skip, {}, InterruptCheck());
     const Settings& texts = session.settings();
     for (const std::string& problem : counts.refused) {
         PrintError(problem);
@@ -48,6 +51,10 @@ int QuickReplaceVerb(const Arguments& args) {
         return ExitFailure;
     }
     std::cout << "replaced " << counts.replaced << ", skipped " << counts.skipped << '\n';
+    if (counts.stopped) {
+        return ReportInterrupted(std::to_string(counts.replaced) + " of " +
+                                 std::to_string(rows->size()) + " entries replaced");
+    }
     return counts.refused.empty() ? 0 : ExitFailure;
 }
 

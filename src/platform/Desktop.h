@@ -70,6 +70,17 @@ public:
     virtual void SetClipboardText(const std::string& text) = 0;
     // Opens a file or web address with the desktop's associated program.
     virtual bool OpenWithShell(const std::string& pathOrAddress) = 0;
+
+    // Long work that can stop where the archive is whole (between files,
+    // before a rebuild puts its new files in place): PB1 with a Cancel
+    // button that Escape presses too. Until HideProgress the window keeps
+    // painting, takes no other command, and a request to close it cancels
+    // the work first.
+    virtual void ShowCancellableProgress(int maximum) { ShowProgress(maximum); }
+    // Whether Cancel was pressed since ShowCancellableProgress. The work asks
+    // between its steps; the window handles what waited meanwhile (painting,
+    // the Cancel button) before it answers.
+    virtual bool ProgressCancelled() { return false; }
 };
 
 } // namespace korvel

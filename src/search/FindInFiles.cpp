@@ -41,10 +41,24 @@ void Begin(const SearchProgress& progress, std::size_t entries) {
     }
 }
 
-void Step(const SearchProgress& progress, std::size_t done) {
+// Steps the progress; false when the search is to end here.
+bool Step(const SearchProgress& progress, std::size_t done) {
+    if (progress.stop && progress.stop()) {
+        return false;
+    }
     if (progress.step) {
         progress.step(done);
     }
+    return true;
+}
+
+// The caller's progress, noting in `stopped` when its stop ended the search.
+SearchProgress NotingStop(const SearchProgress& progress, bool& stopped) {
+    SearchProgress noting = progress;
+    if (progress.stop) {
+        noting.stop = [&stopped, stop = progress.stop] { return stopped = stop(); };
+    }
+    return noting;
 }
 
 // Why an entry cannot be read at all from a data file of `dataLength` bytes
@@ -133,7 +147,9 @@ std::uint64_t ReadTextureDictionaryNames(const Archive& archive,
         if (!IsOfKind(entry, EntryKind::Texture)) {
             continue;
         }
-        Step(progress, ++step);
+        if (!Step(progress, ++step)) {
+            break;
+        }
         if (SkippedDictionary(entry.name)) {
             continue;
         }
@@ -165,7 +181,7 @@ FileSearchCounts FindTextures(const Archive& archive, std::string_view text,
             ++counts.unread;
             Unread(output.unread, std::move(entry));
         },
-        progress);
+        NotingStop(progress, counts.stopped));
     return counts;
 }
 
@@ -176,6 +192,7 @@ FileSearchCounts FindCollisionModels(const Archive& archive, const fs::path& cop
     const std::size_t collisions = CountOfKind(table, EntryKind::Collision);
     Begin(progress, collisions);
     FileSearchCounts counts;
+    const SearchProgress noting = NotingStop(progress, counts.stopped);
     const auto unread = [&](const Entry& entry, std::size_t row, std::string why) {
         ++counts.unread;
         Unread(output.unread, {entry.name, row, std::move(why)});
@@ -192,7 +209,9 @@ FileSearchCounts FindCollisionModels(const Archive& archive, const fs::path& cop
         if (!IsOfKind(entry, EntryKind::Collision)) {
             continue;
         }
-        Step(progress, ++step);
+        if (!Step(noting, ++step)) {
+            break;
+        }
         if (!own) {
             unread(entry, i + 1, "cannot make a folder for the copies: " + folderProblem);
             continue;

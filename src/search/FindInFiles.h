@@ -35,6 +35,9 @@ struct FoundInFile {
 struct SearchProgress {
     std::function<void(std::size_t entries)> begin;
     std::function<void(std::size_t done)> step;
+    // Asked before each entry: true ends the search there, with what it found
+    // so far.
+    std::function<bool()> stop;
 };
 
 // An entry a search could not read, and why (the system's words or ours).
@@ -56,6 +59,7 @@ struct FileSearchOutput {
 struct FileSearchCounts {
     std::uint64_t found = 0;
     std::uint64_t unread = 0;
+    bool stopped = false; // ended early on request
 };
 
 // Hands `name` every texture of every dictionary in the archive, in row

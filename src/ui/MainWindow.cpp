@@ -16,6 +16,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QScreen>
 #include <QStatusBar>
 #include <QVBoxLayout>
@@ -79,6 +80,7 @@ MainWindow::MainWindow(Settings& settings, QWidget* parent)
     bar->addPermanentWidget(panel2_);
     setStatusBar(bar);
     desktop_.attachStatusBar(bar, panel1_, panel2_, progress_);
+    addCancelButton(bar);
 
     tools_ = new ToolWindows(*this);
     finds_ = new SearchCommands(*this);
@@ -197,7 +199,25 @@ void MainWindow::setCommand(const QString& name, std::function<void()> command) 
     handlers_.insert(name, std::move(command));
 }
 
+void MainWindow::addCancelButton(QStatusBar* bar) {
+    auto* cancel = new QPushButton(bar);
+    cancel->setObjectName(QStringLiteral("cancelWork"));
+    cancel->setFocusPolicy(Qt::NoFocus); // Escape cancels from anywhere
+    cancel->hide();
+    // At the left, where the space the status text gives up is: the
+    // statistics keep their place on the right.
+    bar->insertWidget(0, cancel);
+    desktop_.attachCancelButton(cancel, [this, cancel] {
+        cancel->setText(Q(editor_.text("workCancel")));
+        cancel->setToolTip(Q(editor_.text("workCancelTip")));
+    });
+}
+
 void MainWindow::runCommand(const QString& name) {
+    // Long work turns the event loop; nothing starts inside it.
+    if (desktop_.workRunning()) {
+        return;
+    }
     const auto found = handlers_.constFind(name);
     if (found != handlers_.constEnd() && *found) {
         (*found)();

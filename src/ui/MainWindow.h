@@ -24,6 +24,7 @@ class QAction;
 class QLabel;
 class QMenu;
 class QProgressBar;
+class QStatusBar;
 
 namespace korvel {
 struct MenuNode;
@@ -86,6 +87,8 @@ private:
     void OpenScanOptionsDialog() override;
     void ShowEntryList(ShowMeList list) override;
 
+    // The Cancel button of long work, beside PB1's status bar panels.
+    void addCancelButton(QStatusBar* bar);
     void buildMenus();
     void addMenuItems(QMenu* menu, const std::vector<MenuNode>& nodes);
     void mirror(const std::string& name, const MenuItemState& state);

@@ -1,5 +1,6 @@
 #include "ui/QtDesktop.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QClipboard>
 #include <QColorDialog>
@@ -7,7 +8,9 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QInputDialog>
+#include <QKeyEvent>
 #include <QLabel>
+#include <QLayout>
 #include <QMessageBox>
 #include <QProgressBar>
 #include <QStatusBar>
@@ -40,16 +43,176 @@ QMessageBox::Icon BoxIcon(MessageIcon icon) {
 }
 
 constexpr qint64 PaintIntervalMs = 30;
+// Often enough that the window repaints and Cancel answers at once, seldom
+// enough that the work does not slow down.
+constexpr qint64 PumpIntervalMs = 50;
+
+bool Within(QObject* target, QObject* widget) {
+    for (QObject* at = target; at != nullptr; at = at->parent()) {
+        if (at == widget) {
+            return true;
+        }
+    }
+    return false;
+}
 
 } // namespace
 
+// While long work runs the event loop turns between its steps, so that the
+// window repaints and Cancel can be pressed. Everything else a person could
+// do then (a menu, a shortcut, a click in the list, a drop) would start a
+// second command inside the first, so this filter holds it back. A dialog
+// the work itself opens (a question about a duplicate) is modal and gets its
+// input as usual.
+class QtDesktop::WorkGuard : public QObject {
+public:
+    explicit WorkGuard(QtDesktop& desktop) : desktop_(desktop) {}
+
+protected:
+    bool eventFilter(QObject* target, QEvent* event) override {
+        if (event->type() == QEvent::Close) {
+            return closeRefused(target, event);
+        }
+        // Input reaches the window first and is then handed to the widget
+        // under the pointer or with the focus: judged there.
+        if (!target->isWidgetType() || QApplication::activeModalWidget() != nullptr) {
+            return false;
+        }
+        switch (event->type()) {
+        case QEvent::ShortcutOverride:
+            // Taken, so that no shortcut fires; the key press follows.
+            event->accept();
+            return true;
+        case QEvent::KeyPress:
+            if (static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+                desktop_.cancelWork();
+            }
+            return true;
+        case QEvent::KeyRelease:
+        case QEvent::Shortcut:
+        case QEvent::ContextMenu:
+        case QEvent::DragEnter:
+        case QEvent::DragMove:
+        case QEvent::Drop:
+            return true;
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonRelease:
+        case QEvent::MouseButtonDblClick:
+            return !Within(target, desktop_.cancelButton_);
+        default:
+            return false;
+        }
+    }
+
+private:
+    bool closeRefused(QObject* target, QEvent* event) {
+        auto* widget = qobject_cast<QWidget*>(target);
+        if (widget != nullptr && widget == desktop_.owner_) {
+            desktop_.cancelWorkAndClose();
+            event->ignore();
+            return true;
+        }
+        // A dialog the work asks with closes as its Cancel; popups and
+        // tool-tips close as they like; the other windows wait.
+        if (widget == nullptr || !widget->isWindow() ||
+            QApplication::activeModalWidget() != nullptr ||
+            (widget->windowType() != Qt::Window && widget->windowType() != Qt::Dialog &&
+             widget->windowType() != Qt::Tool)) {
+            return false;
+        }
+        event->ignore();
+        return true;
+    }
+
+    QtDesktop& desktop_;
+};
+
 QtDesktop::QtDesktop(QWidget* owner) : owner_(owner) {
     sincePaint_.start();
+    sincePump_.start();
 }
 
 QtDesktop::~QtDesktop() {
+    if (guard_) {
+        qApp->removeEventFilter(guard_.get());
+    }
     while (busyDepth_ > 0) {
         SetBusy(false);
+    }
+}
+
+void QtDesktop::attachCancelButton(QAbstractButton* button, std::function<void()> beforeShowing) {
+    cancelButton_ = button;
+    beforeShowingCancel_ = std::move(beforeShowing);
+    QObject::connect(button, &QAbstractButton::clicked, button, [this] { cancelWork(); });
+}
+
+void QtDesktop::ShowCancellableProgress(int maximum) {
+    if (workDepth_++ == 0) {
+        cancelled_ = false;
+        closeAfterWork_ = false;
+        if (!guard_) {
+            guard_ = std::make_unique<WorkGuard>(*this);
+        }
+        qApp->installEventFilter(guard_.get());
+        if (cancelButton_) {
+            if (beforeShowingCancel_) {
+                beforeShowingCancel_();
+            }
+            cancelButton_->setEnabled(true);
+            cancelButton_->show();
+            if (bar_ && bar_->layout() != nullptr) {
+                bar_->layout()->activate();
+            }
+        }
+    }
+    ShowProgress(maximum);
+    // The status bar lays itself out anew for the button; let it, and paint,
+    // before the first step (the guard already holds input back).
+    QCoreApplication::processEvents();
+    sincePump_.restart();
+}
+
+bool QtDesktop::ProgressCancelled() {
+    if (workDepth_ > 0) {
+        pumpEvents();
+    }
+    return cancelled_;
+}
+
+void QtDesktop::cancelWork() {
+    if (workDepth_ > 0) {
+        cancelled_ = true;
+        if (cancelButton_) {
+            cancelButton_->setEnabled(false); // heard; the work stops at its next safe point
+        }
+    }
+}
+
+void QtDesktop::cancelWorkAndClose() {
+    cancelWork();
+    closeAfterWork_ = true;
+}
+
+void QtDesktop::pumpEvents() {
+    if (sincePump_.elapsed() < PumpIntervalMs) {
+        return;
+    }
+    QCoreApplication::processEvents();
+    sincePump_.restart();
+}
+
+void QtDesktop::endWork() {
+    if (workDepth_ == 0 || --workDepth_ > 0) {
+        return;
+    }
+    qApp->removeEventFilter(guard_.get());
+    if (cancelButton_) {
+        cancelButton_->hide();
+    }
+    if (closeAfterWork_ && owner_ != nullptr) {
+        closeAfterWork_ = false;
+        QMetaObject::invokeMethod(owner_, &QWidget::close, Qt::QueuedConnection);
     }
 }
 
@@ -191,12 +354,16 @@ void QtDesktop::SetProgress(int value) {
         progress_->setValue(value);
         paintNow(progress_, false);
     }
+    if (workDepth_ > 0) {
+        pumpEvents();
+    }
 }
 
 void QtDesktop::HideProgress() {
     if (progress_) {
         progress_->hide();
     }
+    endWork();
 }
 
 void QtDesktop::SetBusy(bool busy) {

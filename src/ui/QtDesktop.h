@@ -1,7 +1,9 @@
 // The Desktop of the real editor: Qt message boxes and dialogs, the status
 // bar panels, PB1, the clipboard and the shell. Status texts and the progress
 // bar repaint at once, so a long command that never returns to the event loop
-// still shows its progress, and no input is taken meanwhile.
+// still shows its progress, and no input is taken meanwhile. Long work that
+// can be cancelled runs the event loop between its steps instead, with every
+// input but the Cancel button (and Escape) held back.
 #pragma once
 
 #include "platform/Desktop.h"
@@ -9,6 +11,10 @@
 #include <QElapsedTimer>
 #include <QPointer>
 
+#include <functional>
+#include <memory>
+
+class QAbstractButton;
 class QLabel;
 class QProgressBar;
 class QStatusBar;
@@ -43,8 +49,24 @@ public:
     void SetBusy(bool busy) override;
     void SetClipboardText(const std::string& text) override;
     bool OpenWithShell(const std::string& pathOrAddress) override;
+    void ShowCancellableProgress(int maximum) override;
+    bool ProgressCancelled() override;
+
+    // The button that cancels long work, shown only while such work runs;
+    // `beforeShowing` gives it its caption in the language of the moment.
+    void attachCancelButton(QAbstractButton* button, std::function<void()> beforeShowing);
+    // Whether long work runs; the window then starts no other command.
+    bool workRunning() const { return workDepth_ > 0; }
+    // Asks the running work to stop at its next safe point (Cancel, Escape).
+    void cancelWork();
+    // Closing the window while work runs: cancel, and close once it stopped.
+    void cancelWorkAndClose();
 
 private:
+    class WorkGuard;
+    // Lets the window repaint and take Cancel, at most every PumpIntervalMs.
+    void pumpEvents();
+    void endWork();
     FileDialogAnswer fileDialog(const FileDialogRequest& request, bool saving);
     // Paints the widget now, at most every few milliseconds unless forced.
     void paintNow(QWidget* widget, bool force);
@@ -56,6 +78,13 @@ private:
     QPointer<QProgressBar> progress_;
     QElapsedTimer sincePaint_;
     int busyDepth_ = 0;
+    QPointer<QAbstractButton> cancelButton_;
+    std::function<void()> beforeShowingCancel_;
+    std::unique_ptr<WorkGuard> guard_;
+    QElapsedTimer sincePump_;
+    int workDepth_ = 0;
+    bool cancelled_ = false;
+    bool closeAfterWork_ = false;
 };
 
 } // namespace korvel::ui

@@ -1,4 +1,5 @@
 #include "window/EntryCommands.h"
+#include "window/LongWork.h"
 
 #include "settings/FailureTexts.h"
 
@@ -87,7 +88,19 @@ std::size_t EntryCommands::ExtractSelected(ExtractMode firstMode) {
     // Looked up once: every lookup reads the language file's identity.
     const std::string extracting = editor_.text("extract1") + " ";
     const std::string of = " " + editor_.text("adding2") + " " + std::to_string(rows.size());
+    // Shown once the folder is known, so not behind the folder dialog.
+    std::optional<LongWork> work;
     for (std::size_t k = 0; k < rows.size(); ++k) {
+        if (k == 1) {
+            work.emplace(desktop, rows.size());
+        }
+        if (work && (work->step(k), work->cancelled())) {
+            // The rows not yet extracted stay selected, so that extracting
+            // again goes on from here.
+            desktop.SetStatus(
+                CountedText(editor_.text("extractCancelled"), k - failed, rows.size()));
+            return failed;
+        }
         desktop.SetStatus(extracting + std::to_string(k + 1) + of);
         // The folder is asked for once; later rows follow it through lastExtract.
         if (!ExtractEntry(rows[k], k == 0 ? firstMode : ExtractMode::Quick)) {
@@ -269,12 +282,22 @@ bool EntryCommands::Rebuild() {
     const std::string copying = editor_.text("rebuild3") + " ";
     const std::string of =
         " " + editor_.text("adding2") + " " + std::to_string(editor_.table().size());
-    RebuildProgress progress;
-    progress.copying = [&](std::size_t i) {
-        desktop.SetStatus(copying + std::to_string(i + 1) + of);
-    };
-    progress.writingDirectory = [&] { desktop.SetStatus(editor_.text("rebuild4")); };
-    const RebuildResult result = RebuildArchive(editor_.archive(), progress);
+    RebuildResult result;
+    {
+        LongWork work(desktop, editor_.table().size());
+        RebuildProgress progress;
+        progress.copying = [&](std::size_t i) {
+            work.step(i);
+            desktop.SetStatus(copying + std::to_string(i + 1) + of);
+        };
+        progress.writingDirectory = [&] { desktop.SetStatus(editor_.text("rebuild4")); };
+        progress.stop = work.stopCheck();
+        result = RebuildArchive(editor_.archive(), progress);
+    }
+    if (result.stopped) {
+        desktop.SetStatus(editor_.text("rebuildCancelled"));
+        return false;
+    }
     if (!result.status.ok()) {
         ShowError(result.status.error());
     }

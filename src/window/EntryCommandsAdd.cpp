@@ -1,6 +1,7 @@
 // The add commands: the add dialog, drops, the duplicate question and its
 // remembered answer.
 #include "window/EntryCommands.h"
+#include "window/LongWork.h"
 
 #include "settings/FailureTexts.h"
 
@@ -119,6 +120,7 @@ std::size_t EntryCommands::AddFileBatch(const std::vector<std::string>& paths, b
     const bool scan = BooleanWord(editor_.settings().ReadSetting("addingScan")).value_or(false);
     AddBatch batch(editor_.archive(), scan, DuplicateDecider());
     std::size_t failed = 0;
+    std::size_t added = 0;
     std::string shortened;
     const auto addOne = [&](const std::string& path) {
         const std::string fileName = fs::path(path).filename().string();
@@ -135,6 +137,8 @@ std::size_t EntryCommands::AddFileBatch(const std::vector<std::string>& paths, b
         }
         if (ReportAdded(outcome, name)) {
             ++failed;
+        } else if (outcome.result != AddResult::Skipped) {
+            ++added;
         }
     };
 
@@ -144,23 +148,37 @@ std::size_t EntryCommands::AddFileBatch(const std::vector<std::string>& paths, b
     } else {
         const std::string of = " " + editor_.text("adding2") + " ";
         std::vector<std::string> textures;
+        // Stops only between two files: the files added so far stay, and the
+        // directory file is written once for them below.
+        LongWork work(desktop, paths.size());
+        std::size_t tried = 0;
+        const auto goOn = [&] {
+            work.step(tried++);
+            return !work.cancelled();
+        };
         for (std::size_t i = 0; i < paths.size(); ++i) {
             desktop.SetStatus(editor_.text("adding1") + " " + std::to_string(i + 1) + of +
                               std::to_string(paths.size()));
             if (IsTextureDictionary(fs::path(paths[i]).filename().string())) {
                 textures.push_back(paths[i]);
-            } else {
+            } else if (goOn()) {
                 addOne(paths[i]);
+            } else {
+                break;
             }
         }
-        for (std::size_t j = 0; j < textures.size(); ++j) {
+        for (std::size_t j = 0; j < textures.size() && !work.cancelled(); ++j) {
             if (fromDialog) {
                 desktop.SetStatus(editor_.text("adding4") + " " + std::to_string(j + 1) + of +
                                   std::to_string(textures.size()));
             }
-            addOne(textures[j]);
+            if (goOn()) {
+                addOne(textures[j]);
+            }
         }
-        desktop.SetStatus(std::to_string(paths.size()) + " " + editor_.text("adding3"));
+        desktop.SetStatus(work.cancelled()
+                              ? CountedText(editor_.text("addCancelled"), added, paths.size())
+                              : std::to_string(paths.size()) + " " + editor_.text("adding3"));
     }
     if (const Status written = batch.Finish(); !written.ok()) {
         ShowError(written.error());

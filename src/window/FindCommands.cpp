@@ -3,21 +3,28 @@
 #include "archive/Names.h"
 #include "platform/Folders.h"
 #include "platform/TextFile.h"
+#include "window/LongWork.h"
 #include "window/SaveLines.h"
 
 namespace korvel {
 namespace {
 
-// The search's progress on PB1. With nothing to read the bar keeps the range
-// it had.
-SearchProgress ProgressOn(Desktop& desktop) {
-    return {[&desktop](std::size_t entries) {
+// The search's progress on PB1, with Cancel, held in `work` once the search
+// says how many entries it reads. With nothing to read the bar keeps the
+// range it had.
+SearchProgress ProgressOn(Desktop& desktop, std::optional<LongWork>& work) {
+    return {[&desktop, &work](std::size_t entries) {
                 desktop.SetProgress(0);
                 if (entries != 0) {
-                    desktop.ShowProgress(static_cast<int>(entries));
+                    work.emplace(desktop, entries);
                 }
             },
-            [&desktop](std::size_t done) { desktop.SetProgress(static_cast<int>(done)); }};
+            [&work](std::size_t done) {
+                if (work) {
+                    work->step(done);
+                }
+            },
+            [&work] { return work && work->cancelled(); }};
 }
 
 // The result list keeps this many rows; a search that finds more says how
@@ -50,10 +57,18 @@ std::vector<FoundInFile> RunFileSearch(Editor& editor, const std::string& text, 
                                                     entry.why;
                                       }
                                   }};
-    const FileSearchCounts counts = search(output, ProgressOn(desktop));
+    std::optional<LongWork> work;
+    const FileSearchCounts counts = search(output, ProgressOn(desktop, work));
     desktop.SetBusy(false);
     desktop.SetProgress(0);
-    desktop.HideProgress();
+    if (work) {
+        work.reset(); // hides the bar
+    } else {
+        desktop.HideProgress();
+    }
+    if (counts.stopped) {
+        desktop.SetStatus(editor.text("searchCancelled"));
+    }
     if (counts.found > found.size()) {
         desktop.ShowMessage(editor.text("fif1") + " " + std::to_string(counts.found - found.size()),
                             editor.text("fif0"), MessageIcon::Information);

@@ -1,4 +1,5 @@
 #include "window/QuickReplaceCommand.h"
+#include "window/LongWork.h"
 
 #include "settings/FailureTexts.h"
 
@@ -99,10 +100,20 @@ QuickReplaceCounts QuickReplace::ReplaceSelectedFromFolder(const std::string& fo
         }
         return answer;
     };
-    const auto replaced = [&](std::size_t row) {
-        desktop.SetStatus(Cp1252ToUtf8(table[row].name) + " " + editor_.text("rep5"));
-    };
-    QuickReplaceCounts counts = ReplaceFromFolder(editor_.archive(), rows, folder, ask, replaced);
+    QuickReplaceCounts counts;
+    {
+        // Each row's replacement writes the directory file, so stopping
+        // between two rows leaves the rows before it replaced and the rest
+        // as they were.
+        LongWork work(desktop, rows.size());
+        std::size_t done = 0;
+        const auto replaced = [&](std::size_t row) {
+            work.step(++done);
+            desktop.SetStatus(Cp1252ToUtf8(table[row].name) + " " + editor_.text("rep5"));
+        };
+        counts =
+            ReplaceFromFolder(editor_.archive(), rows, folder, ask, replaced, work.stopCheck());
+    }
     if (!counts.refused.empty()) {
         std::string refused;
         for (const std::string& problem : counts.refused) {
@@ -122,6 +133,10 @@ QuickReplaceCounts QuickReplace::ReplaceSelectedFromFolder(const std::string& fo
     }
     settings.WriteSetting(counts.folder, "lastQR");
     table.clearSelection();
+    if (counts.stopped) {
+        desktop.SetStatus(CountedText(editor_.text("qrCancelled"), counts.replaced, rows.size()));
+        return counts;
+    }
     desktop.SetStatus(std::to_string(counts.replaced) + " " + editor_.text("filesRep") + ", " +
                       std::to_string(counts.skipped) + " " + editor_.text("filesSkip"));
     return counts;

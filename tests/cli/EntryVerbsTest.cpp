@@ -143,4 +143,30 @@ TEST_F(EntryVerbs, KillingARebuildAtAnyMomentLeavesAWholeArchive) {
     }
 }
 
+TEST_F(EntryVerbs, CtrlCStopsAtASafePointAndExits130) {
+    // The verb, the question "stop here?" at which Ctrl+C comes, the verb that leaves the
+    // same pair uninterrupted (none: the old pair), and what the tool says.
+    const std::string img = (folder / "a.img").string(), other = in("new.ifp"), big = in("car.dff");
+    // clang-format off
+    const std::tuple<std::vector<std::string>, const char*, std::vector<std::string>, std::string> cases[] = {
+        {{"rebuild", img}, "1", {}, "the archive is unchanged"},                // before the copy
+        {{"rebuild", img}, "2", {}, "the archive is unchanged"},                // before the journal
+        {{"add", img, other, big, "--no-scan"}, "2", {"add", img, other, "--no-scan"}, "1 of 2 files added"},
+    };
+    // clang-format on
+    for (const auto& [args, at, same, says] : cases) {
+        SCOPED_TRACE(args[0] + " interrupted at " + at);
+        make("a.img");
+        ASSERT_TRUE(same.empty() || RunCli(same).exitCode == 0);
+        const std::string expected = pair(img);
+        make("a.img");
+        setenv("KORVEL_TEST_INTERRUPT_AT", at, 1);
+        const auto result = RunCli(args);
+        unsetenv("KORVEL_TEST_INTERRUPT_AT");
+        EXPECT_EQ(result.exitCode, 130);
+        EXPECT_EQ(result.err, "korvel-cli: interrupted: " + says + "\n");
+        EXPECT_EQ(pair(img), expected);
+    }
+}
+
 } // namespace korvel::test

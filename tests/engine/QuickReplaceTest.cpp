@@ -96,10 +96,10 @@ TEST_F(QuickReplaceTest, TheFolderConversationAndTheFewSelectedCases) {
     const std::string offer =
         "ask " + text("qrPickPath") + ": " + text("useLastQR") + "\r\n" + in();
     EXPECT_EQ(said, status(text("noneSel")) + status(text("oneSel")) + "open " + text("rep1") +
-                        "\n" + status(text("rep3")) + offer + " -> yes\n" +
+                        "\n" + status(text("rep3")) + offer + " -> yes\nprogress shown: 4\n" +
                         status("a.dff " + text("rep5")) + status("c.dff " + text("rep5")) +
-                        status(summary(2, 2)) + offer + " -> no\nfolder " + text("repFrom") +
-                        " -> " + Cancel + "\n" + status(text("cancelQR")));
+                        "progress hidden\n" + status(summary(2, 2)) + offer + " -> no\nfolder " +
+                        text("repFrom") + " -> " + Cancel + "\n" + status(text("cancelQR")));
 }
 
 TEST_F(QuickReplaceTest, AFailedReplacementIsReportedAndStopsTheRun) {

@@ -119,6 +119,10 @@ void ScriptedDesktop::HideProgress() {
     conversation.push_back("progress hidden");
 }
 
+bool ScriptedDesktop::ProgressCancelled() {
+    return cancelAtPoll != 0 && --cancelAtPoll == 0;
+}
+
 void ScriptedDesktop::SetBusy(bool) {}
 
 void ScriptedDesktop::SetClipboardText(const std::string& text) {

@@ -27,6 +27,8 @@ public:
     std::string status;
     std::string stats;
     std::string archivePath;
+    // Cancel is pressed at the `cancelAtPoll`-th ProgressCancelled from now (0: never).
+    std::size_t cancelAtPoll = 0;
 
     void answer(std::initializer_list<std::string> next) {
         answers.insert(answers.end(), next.begin(), next.end());
@@ -51,6 +53,7 @@ public:
     void SetBusy(bool busy) override;
     void SetClipboardText(const std::string& text) override;
     bool OpenWithShell(const std::string& pathOrAddress) override;
+    bool ProgressCancelled() override;
 
 private:
     std::string next(const std::string& asking);

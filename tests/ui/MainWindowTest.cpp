@@ -8,6 +8,7 @@
 
 #include <QMenu>
 #include <QMenuBar>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -55,6 +56,7 @@ private slots:
     void menuStateIsMirroredIntoTheActionsAndTheList();
     void selectionIsOneTruthAndTheMouseAndEnterReachTheCommands();
     void oneRowChangeNotifiesOneRow();
+    void longWorkTakesOnlyCancelAndCloseWaitsForIt();
 };
 
 void MainWindowTest::menuBarFollowsTheMenuTree() {
@@ -154,6 +156,37 @@ void MainWindowTest::oneRowChangeNotifiesOneRow() {
     QCOMPARE(resets.size(), 0);
     QCOMPARE(inserted.size(), 1);
     QCOMPARE(env->shownNames(), (std::vector<std::string>{"d.col"}));
+}
+
+void MainWindowTest::longWorkTakesOnlyCancelAndCloseWaitsForIt() {
+    auto* cancel = w->findChild<QPushButton*>("cancelWork");
+    QVERIFY(cancel != nullptr && cancel->isHidden());
+    QStringList ran;
+    w->setCommand("ComDel", [&] { ran << "ComDel"; });
+    // Each way of asking to stop (a click goes through the window, as on X11), with a
+    // command's key and menu item held back before.
+    QPoint at;
+    const std::pair<const char*, std::function<void()>> ways[] = {
+        {"button", [&] { QTest::mouseClick(w->windowHandle(), Qt::LeftButton, {}, at); }},
+        {"Escape", [&] { QTest::keyClick(view, Qt::Key_Escape); }},
+        {"closing", [&] { w->close(); }},
+    };
+    for (const auto& [way, press] : ways) {
+        w->desktop().ShowCancellableProgress(10);
+        at = cancel->mapTo(w, cancel->rect().center());
+        QVERIFY2(cancel->isVisible(), way);
+        QCOMPARE(cancel->text(), env->text("workCancel"));
+        QTest::keyClick(view, Qt::Key_Delete);
+        w->runCommand("ComDel");
+        QVERIFY2(!w->desktop().ProgressCancelled(), way);
+        press();
+        QVERIFY2(w->desktop().ProgressCancelled(), way);
+        QVERIFY2(w->isVisible(), way); // never closed in the middle of the work
+        w->desktop().HideProgress();
+        QVERIFY2(cancel->isHidden(), way);
+    }
+    QCOMPARE(ran, QStringList());
+    QTRY_VERIFY(!w->isVisible()); // the close asked for comes once the work stopped
 }
 
 QTEST_MAIN(MainWindowTest)
