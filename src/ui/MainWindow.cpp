@@ -143,6 +143,8 @@ MainWindow::MainWindow(Settings& settings, QWidget* parent)
 
     connect(view_, &ArchiveView::viewRequested, this, [this] { runCommand("EditView"); });
     installMenuKeys();
+    // The list is what the keys work on: it has the focus from the start.
+    view_->setFocus(Qt::OtherFocusReason);
     connect(view_, &ArchiveView::popupRequested, this,
             [this](const QPoint& at) { menus_.value("MenuEdit")->popup(at); });
     connect(view_, &ArchiveView::filesDropped, this, [this](const QStringList& paths) {
@@ -197,9 +199,19 @@ void MainWindow::installMenuKeys() {
 }
 
 void MainWindow::openMenuBar() {
+    // The first menu opens with its first item highlighted, so Enter and
+    // the arrows act at once, as after Alt and the menu's letter.
     for (QAction* top : menuBar()->actions()) {
         if (top->isVisible() && top->isEnabled()) {
             menuBar()->setActiveAction(top);
+            if (QMenu* menu = top->menu()) {
+                for (QAction* item : menu->actions()) {
+                    if (!item->isSeparator() && item->isVisible() && item->isEnabled()) {
+                        menu->setActiveAction(item);
+                        break;
+                    }
+                }
+            }
             return;
         }
     }
