@@ -46,6 +46,9 @@ ShowMeWindow::ShowMeWindow(MainWindow& main) : QWidget(&main, Qt::Window), main_
     list_->setHeaderLabels({Q(editor.text("sd17")), Q(editor.text("sd15"))});
     list_->setColumnWidth(0, twips(2500));
     list_->setColumnWidth(1, twips(1300));
+    // The names take the room the window gains; the row numbers keep theirs.
+    list_->header()->setStretchLastSection(false);
+    list_->header()->setSectionResizeMode(0, QHeaderView::Stretch);
     list_->setContextMenuPolicy(Qt::CustomContextMenu);
     list_->installEventFilter(this);
 

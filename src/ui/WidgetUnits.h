@@ -2,6 +2,8 @@
 // classic layouts are; the screen's logical DPI turns them into pixels.
 #pragma once
 
+#include "window/MenuTree.h"
+
 #include <QKeyEvent>
 #include <QPaintDevice>
 #include <QShortcut>
@@ -58,18 +60,10 @@ inline void ChainTabOrder(std::initializer_list<QWidget*> widgets) {
     }
 }
 
-// A caption from the language file without its mnemonic marks, for places
-// that show text literally (window titles): "&Find" -> "Find", "&&" -> "&".
+// A caption from the language file without its mnemonic marks, for window
+// titles; the rule is the menu tree's.
 inline QString WithoutMnemonic(const QString& caption) {
-    QString plain;
-    plain.reserve(caption.size());
-    for (qsizetype i = 0; i < caption.size(); ++i) {
-        if (caption[i] == u'&' && i + 1 < caption.size()) {
-            ++i;
-        }
-        plain += caption[i];
-    }
-    return plain;
+    return QString::fromStdString(korvel::WithoutMnemonic(caption.toStdString()));
 }
 
 } // namespace korvel::ui

