@@ -109,6 +109,14 @@ std::string Settings::LookupText(std::string_view key) const {
     return ReadProfileString(languageFile_, ReadSetting("language"), key);
 }
 
+bool Settings::StandardShortcuts() const {
+    return BooleanWord(ReadSetting("stdShortcuts")).value_or(false);
+}
+
+void Settings::SetStandardShortcuts(bool chosen) {
+    WriteSetting(chosen ? "True" : "False", "stdShortcuts");
+}
+
 void Settings::EnsureSettingsFile() {
     if (!inMemory_ && !FileExists(settingsFile_)) {
         WriteDefaultSettings();

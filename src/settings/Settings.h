@@ -29,6 +29,13 @@ public:
     // A text of the current language; "Settings error" when missing.
     std::string LookupText(std::string_view key) const;
 
+    // `stdShortcuts`: whether the menus use the desktop's standard keys
+    // instead of the designed ones. Off unless the file says "True" (or a
+    // non-zero number), so a file from before the choice existed keeps the
+    // designed keys.
+    bool StandardShortcuts() const;
+    void SetStandardShortcuts(bool chosen);
+
     void EnsureSettingsFile();
     void WriteDefaultSettings();
 

@@ -1,6 +1,7 @@
 #include "ui/AboutBox.h"
 
 #include "ui/TypeIcons.h"
+#include "ui/WidgetUnits.h"
 
 #include <QDialogButtonBox>
 #include <QHBoxLayout>
@@ -12,7 +13,8 @@ namespace korvel::ui {
 
 AboutBox::AboutBox(const QString& title, QWidget* parent) : QDialog(parent) {
     setObjectName(QStringLiteral("About"));
-    setWindowTitle(title);
+    // The title is the Help menu's caption, which carries a mnemonic mark.
+    setWindowTitle(WithoutMnemonic(title));
     setModal(true);
 
     auto* badge = new QLabel(this);

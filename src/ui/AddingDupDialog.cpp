@@ -1,6 +1,7 @@
 #include "ui/AddingDupDialog.h"
 
 #include "settings/Settings.h"
+#include "ui/WidgetUnits.h"
 #include "window/EntryCommands.h"
 
 #include <QButtonGroup>
@@ -89,7 +90,7 @@ void AddingDupDialog::load(const QString& conflictingName) {
     const auto text = [this](const char* key) {
         return QString::fromStdString(settings_.LookupText(key));
     };
-    setWindowTitle(QStringLiteral(" ") + text("dup0"));
+    setWindowTitle(QStringLiteral(" ") + WithoutMnemonic(text("dup0")));
     questionLabel_->setText(text("dup1"));
     choiceLabel_->setText(text("dup2"));
     conflictCaptionLabel_->setText(text("dup7"));

@@ -1,12 +1,15 @@
 #include "ui/ArchiveView.h"
 #include "ui/WidgetUnits.h"
 
+#include <QContextMenuEvent>
 #include <QDropEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QUrl>
+
+#include <algorithm>
 
 namespace korvel::ui {
 
@@ -36,7 +39,41 @@ void ArchiveView::keyPressEvent(QKeyEvent* event) {
         emit viewRequested();
         return;
     }
+    if (IsContextMenuKey(*event)) {
+        popupAtCurrentRow();
+        event->accept();
+        return;
+    }
     QTableView::keyPressEvent(event);
+}
+
+void ArchiveView::contextMenuEvent(QContextMenuEvent* event) {
+    // The right button is handled on press; only the keyboard's request
+    // (which some platforms deliver as a context menu event) comes here.
+    if (event->reason() == QContextMenuEvent::Keyboard) {
+        popupAtCurrentRow();
+    }
+    event->accept();
+}
+
+void ArchiveView::popupAtCurrentRow() {
+    // As with the right button: the menu works on the selection, and with
+    // nothing selected there is nothing to offer.
+    if (selectionModel() == nullptr || !selectionModel()->hasSelection()) {
+        return;
+    }
+    QModelIndex row = currentIndex();
+    if (!row.isValid() || !selectionModel()->isSelected(row)) {
+        row = selectionModel()->selectedIndexes().value(0);
+    }
+    QRect cell = visualRect(row);
+    if (!cell.isValid() || !viewport()->rect().intersects(cell)) {
+        scrollTo(row);
+        cell = visualRect(row);
+    }
+    QPoint at = cell.isValid() ? cell.bottomLeft() : QPoint(0, 0);
+    at.setX(std::max(at.x(), 0) + cell.height() / 2);
+    emit popupRequested(viewport()->mapToGlobal(at));
 }
 
 void ArchiveView::mouseDoubleClickEvent(QMouseEvent* event) {

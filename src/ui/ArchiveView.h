@@ -1,6 +1,7 @@
 // The list view `Archive`: a table view with the list's gestures. Double
 // click and Enter ask for the view command, the right button pops up the
-// Commands menu while rows are selected, and dropped files are handed on.
+// Commands menu while rows are selected (so do the Menu key and Shift+F10,
+// at the current row), and dropped files are handed on.
 #pragma once
 
 #include <QStringList>
@@ -20,11 +21,15 @@ signals:
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragMoveEvent(QDragMoveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
+
+private:
+    void popupAtCurrentRow();
 };
 
 } // namespace korvel::ui

@@ -1,5 +1,6 @@
 #include "ui/LineColorsDialog.h"
 
+#include "ui/WidgetUnits.h"
 #include <QFrame>
 #include <QGridLayout>
 #include <QLabel>
@@ -66,7 +67,7 @@ LineColorsDialog::LineColorsDialog(Editor& editor, RowColours& colours, QWidget*
 void LineColorsDialog::load() {
     setSwatch(1, colours_.Stored(1));
     setSwatch(2, colours_.Stored(2));
-    setWindowTitle(QStringLiteral(" ") + Q(editor_.text("lc0")));
+    setWindowTitle(QStringLiteral(" ") + WithoutMnemonic(Q(editor_.text("lc0"))));
     label1_->setText(Q(editor_.text("lc1")));
     label2_->setText(Q(editor_.text("lc2")));
     colorOne_->setText(Q(editor_.text("lc3")));

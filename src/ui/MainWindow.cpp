@@ -10,6 +10,7 @@
 #include "window/MenuTree.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QHeaderView>
 #include <QLabel>
@@ -18,7 +19,9 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QScreen>
+#include <QShortcut>
 #include <QStatusBar>
+#include <QStyle>
 #include <QVBoxLayout>
 
 #include <cmath>
@@ -33,10 +36,54 @@ QString Q(const std::string& text) {
     return QString::fromStdString(text);
 }
 
-// Captions are plain text; an ampersand in a path must not become a mnemonic.
-QString Caption(const std::string& text) {
+// A caption that is data (a path, a language's name) is plain text: an
+// ampersand in it must not become a mnemonic. The others keep theirs.
+QString Caption(const std::string& name, const std::string& text) {
+    const MenuNode* node = FindMenuNode(name);
+    if (node != nullptr && CaptionHasMnemonic(*node)) {
+        return Q(text);
+    }
     return Q(text).replace('&', QStringLiteral("&&"));
 }
+
+// Alt pressed and released on its own opens the menu bar, as F10 does. Qt's
+// menu bar does this itself only under styles that ask for it; this filter
+// stands in under the others. Any other key or a click in between (Alt+F,
+// Alt+drag) cancels it.
+class AltKeyMenuOpener : public QObject {
+public:
+    AltKeyMenuOpener(QMainWindow& window, std::function<void()> open)
+        : QObject(&window), window_(window), open_(std::move(open)) {}
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        const auto type = event->type();
+        if (type == QEvent::KeyPress || type == QEvent::KeyRelease) {
+            const auto* key = static_cast<QKeyEvent*>(event);
+            const bool alt = key->key() == Qt::Key_Alt;
+            if (type == QEvent::KeyPress) {
+                armed_ = alt && !key->isAutoRepeat() && ownWindow(watched);
+            } else if (alt && armed_ && !key->isAutoRepeat()) {
+                armed_ = false;
+                open_();
+                return true;
+            }
+        } else if (type == QEvent::MouseButtonPress || type == QEvent::FocusOut) {
+            armed_ = false;
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    bool ownWindow(QObject* watched) const {
+        auto* widget = qobject_cast<QWidget*>(watched);
+        return widget != nullptr && widget->window() == &window_;
+    }
+
+    QMainWindow& window_;
+    std::function<void()> open_;
+    bool armed_ = false;
+};
 
 } // namespace
 
@@ -94,8 +141,12 @@ MainWindow::MainWindow(Settings& settings, QWidget* parent)
     ForEachMenuNode(MainMenuTree(), [this](const MenuNode& node) {
         mirror(node.name, editor_.menu().item(node.name));
     });
+    ApplyShortcutScheme(editor_.menu(), settings.StandardShortcuts());
 
     connect(view_, &ArchiveView::viewRequested, this, [this] { runCommand("EditView"); });
+    installMenuKeys();
+    // The list is what the keys work on: it has the focus from the start.
+    view_->setFocus(Qt::OtherFocusReason);
     connect(view_, &ArchiveView::popupRequested, this,
             [this](const QPoint& at) { menus_.value("MenuEdit")->popup(at); });
     connect(view_, &ArchiveView::filesDropped, this, [this](const QStringList& paths) {
@@ -140,6 +191,34 @@ void MainWindow::buildMenus() {
     }
 }
 
+void MainWindow::installMenuKeys() {
+    auto* f10 = new QShortcut(QKeySequence(Qt::Key_F10), this);
+    f10->setObjectName(QStringLiteral("menuBarKey"));
+    connect(f10, &QShortcut::activated, this, &MainWindow::openMenuBar);
+    if (style()->styleHint(QStyle::SH_MenuBar_AltKeyNavigation, nullptr, menuBar()) == 0) {
+        qApp->installEventFilter(new AltKeyMenuOpener(*this, [this] { openMenuBar(); }));
+    }
+}
+
+void MainWindow::openMenuBar() {
+    // The first menu opens with its first item highlighted, so Enter and
+    // the arrows act at once, as after Alt and the menu's letter.
+    for (QAction* top : menuBar()->actions()) {
+        if (top->isVisible() && top->isEnabled()) {
+            menuBar()->setActiveAction(top);
+            if (QMenu* menu = top->menu()) {
+                for (QAction* item : menu->actions()) {
+                    if (!item->isSeparator() && item->isVisible() && item->isEnabled()) {
+                        menu->setActiveAction(item);
+                        break;
+                    }
+                }
+            }
+            return;
+        }
+    }
+}
+
 void MainWindow::addMenuItems(QMenu* menu, const std::vector<MenuNode>& nodes) {
     for (const MenuNode& node : nodes) {
         const QString name = Q(node.name);
@@ -150,7 +229,7 @@ void MainWindow::addMenuItems(QMenu* menu, const std::vector<MenuNode>& nodes) {
             continue;
         }
         if (node.isSubMenu()) {
-            QMenu* sub = menu->addMenu(Caption(node.caption));
+            QMenu* sub = menu->addMenu(Caption(node.name, node.caption));
             sub->setObjectName(name);
             sub->menuAction()->setObjectName(name);
             menus_.insert(name, sub);
@@ -158,12 +237,9 @@ void MainWindow::addMenuItems(QMenu* menu, const std::vector<MenuNode>& nodes) {
             addMenuItems(sub, node.children);
             continue;
         }
-        QAction* item = menu->addAction(Caption(node.caption));
+        QAction* item = menu->addAction(Caption(node.name, node.caption));
         item->setObjectName(name);
         item->setCheckable(node.checkable);
-        if (!node.shortcut.empty()) {
-            item->setShortcut(QKeySequence(Q(node.shortcut), QKeySequence::PortableText));
-        }
         connect(item, &QAction::triggered, this, [this, name] { runCommand(name); });
         actions_.insert(name, item);
     }
@@ -174,7 +250,13 @@ void MainWindow::mirror(const std::string& name, const MenuItemState& state) {
     if (item == nullptr || item->isSeparator()) {
         return;
     }
-    item->setText(Caption(state.caption));
+    item->setText(Caption(name, state.caption));
+    // Stored in the portable spelling; the menu shows it in the desktop's
+    // own words ("Strg+W" in German) through QKeySequence::NativeText.
+    const QKeySequence key(Q(state.shortcut), QKeySequence::PortableText);
+    if (item->menu() == nullptr && item->shortcut() != key) {
+        item->setShortcut(key);
+    }
     item->setEnabled(state.enabled);
     item->setVisible(state.visible);
     if (item->isCheckable()) {

@@ -66,6 +66,8 @@ public:
     EntryModel* model() const { return model_; }
     QLabel* statusPanel() const { return panel1_; }
     QLabel* statsPanel() const { return panel2_; }
+    // F10, or Alt on its own: the first menu of the menu bar opens.
+    void openMenuBar();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -91,6 +93,7 @@ private:
     void addCancelButton(QStatusBar* bar);
     void buildMenus();
     void addMenuItems(QMenu* menu, const std::vector<MenuNode>& nodes);
+    void installMenuKeys();
     void mirror(const std::string& name, const MenuItemState& state);
     void mirrorChecks();
     int twipsToPixelsX(int twips) const;

@@ -1,5 +1,6 @@
 #include "ui/QuickReplaceDialog.h"
 
+#include "ui/WidgetUnits.h"
 #include "window/QuickReplaceCommand.h"
 
 #include <QGridLayout>
@@ -34,7 +35,7 @@ QuickReplaceDialog::QuickReplaceDialog(Settings& settings, const std::string& en
     setObjectName(QStringLiteral("qrMissing"));
     setModal(true);
     const auto text = [&](const char* key) { return Q(settings_.LookupText(key)); };
-    setWindowTitle(QStringLiteral(" ") + text("qr0"));
+    setWindowTitle(QStringLiteral(" ") + WithoutMnemonic(text("qr0")));
 
     auto* grid = new QGridLayout(this);
     grid->addWidget(Label("Label1", text("qr1"), this), 0, 0, 1, 2);

@@ -1,6 +1,7 @@
 #include "ui/RenameDialog.h"
 
 #include "settings/Settings.h"
+#include "ui/WidgetUnits.h"
 
 #include <QEvent>
 #include <QHBoxLayout>
@@ -57,7 +58,7 @@ RenameDialog::RenameDialog(Settings& settings, QWidget* parent)
     const auto text = [this](const char* key) {
         return QString::fromStdString(settings_.LookupText(key));
     };
-    setWindowTitle(QStringLiteral(" ") + text("nn0"));
+    setWindowTitle(QStringLiteral(" ") + WithoutMnemonic(text("nn0")));
     label1_->setText(text("sd6"));
     label2_->setText(text("nn1") + QStringLiteral(" 00/24"));
     cancel_->setText(text("nn2"));

@@ -84,7 +84,7 @@ ResultWindow::ResultWindow(MainWindow& main, const ResultWindowLayout& layout)
     for (std::size_t i = 0; i < layout.columns.size(); ++i) {
         results_->setColumnWidth(static_cast<int>(i), twips(layout.columns[i].second));
     }
-    results_->setFixedWidth(twips(layout.listWidthTwips));
+    results_->setMinimumWidth(twips(layout.listWidthTwips));
 
     count_ = new QLabel(text("find5"), this);
     count_->setObjectName(QStringLiteral("Label2"));

@@ -2,12 +2,15 @@
 
 #include "archive/Names.h"
 #include "ui/MainWindow.h"
+#include "ui/WidgetUnits.h"
 
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QRadioButton>
+#include <QTreeWidget>
 
 namespace korvel::ui {
 namespace {
@@ -61,6 +64,12 @@ SearchFilesWindow::SearchFilesWindow(MainWindow& main) : ResultWindow(main, Layo
     progress_->setRange(0, 1);
     progress_->setValue(0);
     bottom_->addWidget(progress_, 1);
+    // The options are made after the buttons below them; Tab goes down the
+    // right-hand column as it is laid out.
+    ChainTabOrder({searchText(), findIt(), results(), textures_, collisions_,
+                   findChild<QWidget*>(QLatin1String(Layout.saveButton)),
+                   findChild<QWidget*>(QStringLiteral("closeSearch"))});
+    AddCloseKeys(*this);
     fitToContents();
 }
 

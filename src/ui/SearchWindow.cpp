@@ -3,10 +3,12 @@
 #include "archive/Names.h"
 #include "ui/MainWindow.h"
 #include "ui/TypeIcons.h"
+#include "ui/WidgetUnits.h"
 
 #include <QGroupBox>
 #include <QLayout>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QTreeWidget>
 
@@ -53,6 +55,12 @@ SearchWindow::SearchWindow(MainWindow& main) : ResultWindow(main, Layout) {
         frame_->layout()->addWidget(types_[i]);
     }
     types_[0]->setChecked(true);
+    // The options are made after the buttons below them; Tab goes down the
+    // right-hand column as it is laid out.
+    ChainTabOrder({searchText(), findIt(), results(), types_[0], types_[1], types_[2], types_[3],
+                   types_[4], findChild<QWidget*>(QLatin1String(Layout.saveButton)),
+                   findChild<QWidget*>(QStringLiteral("closeSearch"))});
+    AddCloseKeys(*this);
     fitToContents();
 }
 

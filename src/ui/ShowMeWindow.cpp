@@ -7,11 +7,15 @@
 #include "ui/TypeIcons.h"
 
 #include <QAction>
+#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QPushButton>
 #include <QTreeWidget>
+#include <QVBoxLayout>
+
+#include <algorithm>
 
 #include <cmath>
 
@@ -42,6 +46,9 @@ ShowMeWindow::ShowMeWindow(MainWindow& main) : QWidget(&main, Qt::Window), main_
     list_->setHeaderLabels({Q(editor.text("sd17")), Q(editor.text("sd15"))});
     list_->setColumnWidth(0, twips(2500));
     list_->setColumnWidth(1, twips(1300));
+    // The names take the room the window gains; the row numbers keep theirs.
+    list_->header()->setStretchLastSection(false);
+    list_->header()->setSectionResizeMode(0, QHeaderView::Stretch);
     list_->setContextMenuPolicy(Qt::CustomContextMenu);
     list_->installEventFilter(this);
 
@@ -84,8 +91,25 @@ ShowMeWindow::ShowMeWindow(MainWindow& main) : QWidget(&main, Qt::Window), main_
     });
     connect(save_, &QPushButton::clicked, this, [this] { SaveShowMeList(main_.editor(), shown_); });
     connect(close_, &QPushButton::clicked, this, &QWidget::close);
+    AddCloseKeys(*this);
 
-    resize(twips(4200), twips(5200));
+    // The list takes all the room the window gives it; the two buttons stay
+    // on a row below, however small or large the window is made.
+    auto* buttons = new QHBoxLayout;
+    buttons->setContentsMargins(twips(120), twips(30), twips(100), twips(60));
+    for (QPushButton* button : {save_, close_}) {
+        button->setMinimumWidth(twips(1455));
+    }
+    buttons->addWidget(save_);
+    buttons->addStretch(1);
+    buttons->addWidget(close_);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(list_, 1);
+    layout->addLayout(buttons);
+    list_->setMinimumSize(twips(2400), twips(1500));
+    resize(std::max(twips(4200), sizeHint().width()), twips(5200));
 }
 
 int ShowMeWindow::twips(int value) const {
@@ -105,7 +129,7 @@ void ShowMeWindow::fill(ShowMeList list) {
         auto* item = new QTreeWidgetItem(list_, {Q(main_.editor().text("sd2"))});
         item->setIcon(0, DrawTypeIcon(TypeIconColour("none")));
     }
-    setWindowTitle(Q(shown_.title));
+    setWindowTitle(WithoutMnemonic(Q(shown_.title)));
 }
 
 void ShowMeWindow::highlight() {
@@ -133,17 +157,6 @@ void ShowMeWindow::highlightAndRun(const QString& command) {
     }
     highlight();
     main_.runCommand(command);
-}
-
-void ShowMeWindow::resizeEvent(QResizeEvent* event) {
-    QWidget::resizeEvent(event);
-    // A window too small for the margins just squeezes the list.
-    const int w = width();
-    const int h = height();
-    list_->setGeometry(0, 0, std::max(0, w - twips(100)), std::max(0, h - twips(850)));
-    const int top = std::max(0, h - twips(805));
-    save_->setGeometry(twips(120), top, twips(1455), twips(375));
-    close_->setGeometry(twips(2640), top, twips(1455), twips(375));
 }
 
 bool ShowMeWindow::eventFilter(QObject* watched, QEvent* event) {

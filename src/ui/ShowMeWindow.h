@@ -34,7 +34,6 @@ public:
     void highlightAndRun(const QString& command);
 
 protected:
-    void resizeEvent(QResizeEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:

@@ -55,6 +55,7 @@ std::vector<MenuCommand> BuildCommandTable(const CommandTargets& targets) {
         {"AddingScan", [&entries] { entries.ToggleAddingScan(); }},
         {"ScanSettings", [&window] { window.OpenScanOptionsDialog(); }},
         {"OptAss", [&editor] { AssociateWithImgFiles(editor); }},
+        {"OptStdKeys", [&editor] { ToggleStandardShortcuts(editor.menu(), editor.settings()); }},
         // Help
         {"HelpAbout", [&window] { window.ShowAboutBox(); }},
     };

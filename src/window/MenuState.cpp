@@ -54,6 +54,14 @@ void MenuState::setVisible(std::string_view name, bool visible) {
     }
 }
 
+void MenuState::setShortcut(std::string_view name, std::string shortcut) {
+    MenuItemState& s = slot(name);
+    if (s.shortcut != shortcut) {
+        s.shortcut = std::move(shortcut);
+        changed(name);
+    }
+}
+
 const std::vector<std::string>& ArchiveCommandNames() {
     static const std::vector<std::string> names = {
         "FileReload", "FileClose", "EditAdd",    "EditExtract", "ComDel",           "ComRename",

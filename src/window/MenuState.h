@@ -18,6 +18,7 @@ struct MenuItemState {
     bool enabled = true;
     bool checked = false;
     bool visible = true;
+    std::string shortcut; // portable key text ("Ctrl+W"); empty for none
 };
 
 class MenuState {
@@ -30,11 +31,13 @@ public:
     bool isEnabled(std::string_view name) const { return item(name).enabled; }
     const std::string& caption(std::string_view name) const { return item(name).caption; }
     bool isVisible(std::string_view name) const { return item(name).visible; }
+    const std::string& shortcut(std::string_view name) const { return item(name).shortcut; }
 
     void setCaption(std::string_view name, std::string caption);
     void setEnabled(std::string_view name, bool enabled);
     void setChecked(std::string_view name, bool checked);
     void setVisible(std::string_view name, bool visible);
+    void setShortcut(std::string_view name, std::string shortcut);
 
     void setObserver(Observer observer) { observer_ = std::move(observer); }
 

@@ -1,6 +1,9 @@
 #include "window/MenuTree.h"
 
 #include "desktop/FileAssociation.h"
+#include "settings/Settings.h"
+
+#include <algorithm>
 
 namespace korvel {
 namespace {
@@ -96,7 +99,8 @@ std::vector<MenuNode> BuildTree() {
                   Item("ScanSettings", "Scan options", "menud3b")}),
              Gap("g4"), Check("OptAuto", "Auto load last used archive", "menud4"),
              Check("OptConDelete", "Confirm file delete", "menud5"),
-             Check("OptRebuildPrompt", "Rebuild prompt on close", "menud6"), Gap("sexySpacerNo5"),
+             Check("OptRebuildPrompt", "Rebuild prompt on close", "menud6"),
+             Check("OptStdKeys", "Standard desktop shortcuts", "menud8"), Gap("sexySpacerNo5"),
              Item("OptAss", "Associate with IMG files", "menud7")}),
         Sub("MenuHelp", "Help", "menue0",
             {Item("HelpHome", std::string(HomePageCaption), {}),
@@ -127,7 +131,49 @@ const MenuNode* FindMenuNode(std::string_view name) {
     return found;
 }
 
+std::string ShortcutFor(const MenuNode& node, bool standardKeys) {
+    if (standardKeys) {
+        const auto choice =
+            std::find_if(ShortcutChoices.begin(), ShortcutChoices.end(),
+                         [&](const ShortcutChoice& c) { return c.item == node.name; });
+        if (choice != ShortcutChoices.end()) {
+            return std::string(choice->standard);
+        }
+    }
+    return node.shortcut;
+}
+
+void ApplyShortcutScheme(MenuState& menu, bool standardKeys) {
+    ForEachMenuNode(MainMenuTree(), [&](const MenuNode& node) {
+        menu.setShortcut(node.name, ShortcutFor(node, standardKeys));
+    });
+    menu.setChecked("OptStdKeys", standardKeys);
+}
+
+void ToggleStandardShortcuts(MenuState& menu, Settings& settings) {
+    const bool standardKeys = !menu.isChecked("OptStdKeys");
+    settings.SetStandardShortcuts(standardKeys);
+    ApplyShortcutScheme(menu, standardKeys);
+}
+
+bool CaptionHasMnemonic(const MenuNode& node) {
+    return !node.textKey.empty();
+}
+
+std::string WithoutMnemonic(std::string_view caption) {
+    std::string plain;
+    plain.reserve(caption.size());
+    for (std::size_t i = 0; i < caption.size(); ++i) {
+        if (caption[i] == '&' && i + 1 < caption.size()) {
+            ++i;
+        }
+        plain += caption[i];
+    }
+    return plain;
+}
+
 void SeedMenuState(MenuState& menu) {
+    ApplyShortcutScheme(menu, false);
     ForEachMenuNode(MainMenuTree(), [&](const MenuNode& node) {
         menu.setCaption(node.name, node.caption);
         menu.setEnabled(node.name, true);

@@ -7,11 +7,14 @@
 
 #include "window/MenuState.h"
 
+#include <array>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace korvel {
+
+class Settings;
 
 struct MenuNode {
     std::string name;
@@ -43,6 +46,48 @@ const MenuNode* FindMenuNode(std::string_view name);
 // The state every item starts in: designed caption, enabled, unchecked, and
 // only the first language slot visible.
 void SeedMenuState(MenuState& menu);
+
+// Where the designed shortcuts and the desktop's standard keys disagree:
+// an item whose designed key means something else on the desktop (Ctrl+C is
+// copy, Ctrl+A select all, F1 help, F3 find next, F5 refresh, F11 full
+// screen), or an item that the standard key means. With standard desktop
+// shortcuts chosen, each item here answers to `standard` instead of
+// `designed`; every other item keeps its designed key. No two items may end
+// up with the same key in either scheme.
+struct ShortcutChoice {
+    std::string_view item;
+    std::string_view designed; // as in the menu tree; empty for none
+    std::string_view standard;
+};
+
+inline constexpr std::array<ShortcutChoice, 10> ShortcutChoices{{
+    {"FileClose", "Ctrl+C", "Ctrl+W"},
+    {"FileReload", "", "F5"},
+    {"recent1", "F1", "Ctrl+1"},
+    {"recent2", "F2", "Ctrl+2"},
+    {"recent3", "F3", "Ctrl+3"},
+    {"EditSelect", "F8", "Ctrl+A"},
+    {"EditInsertMarker", "F11", "Ctrl+Shift+M"},
+    {"EditAdd", "Ctrl+A", "Ins"},
+    {"EditQuick", "F5", "Ctrl+Shift+E"},
+    {"HelpHelp", "F12", "F1"},
+}};
+
+// The key an item answers to in the chosen scheme; empty for none.
+std::string ShortcutFor(const MenuNode& node, bool standardKeys);
+// Puts every item's key of the chosen scheme into the menu state and checks
+// OptStdKeys accordingly.
+void ApplyShortcutScheme(MenuState& menu, bool standardKeys);
+// OptStdKeys: flips the scheme, remembers it in korvel.ini and applies it.
+void ToggleStandardShortcuts(MenuState& menu, Settings& settings);
+
+// A caption that is data (a recent archive's path, a language's name) is
+// shown as it is; the others come from the language file, where `&` marks
+// the letter that Alt and the letter open the item with.
+bool CaptionHasMnemonic(const MenuNode& node);
+// Such a caption where text is shown literally (a window title, a message's
+// title, a report): "&Find" -> "Find", "&&" -> "&".
+std::string WithoutMnemonic(std::string_view caption);
 
 inline constexpr int LanguageSlotCount = 7;
 std::string LanguageSlotName(int slot); // "lang1".."lang7"

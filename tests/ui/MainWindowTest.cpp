@@ -5,10 +5,16 @@
 
 #include "ui/ArchiveView.h"
 #include "ui/EntryModel.h"
+#include "ui/SearchCommands.h"
+#include "ui/SearchWindow.h"
+#include "window/MenuTree.h"
 
+#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QMetaEnum>
+#include <QPointer>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -57,6 +63,8 @@ private slots:
     void selectionIsOneTruthAndTheMouseAndEnterReachTheCommands();
     void oneRowChangeNotifiesOneRow();
     void longWorkTakesOnlyCancelAndCloseWaitsForIt();
+    void standardShortcutsGiveTheDesktopKeysTheirMeaning();
+    void keyboardReachesTheMenusAndClosesToolWindows();
 };
 
 void MainWindowTest::menuBarFollowsTheMenuTree() {
@@ -73,7 +81,7 @@ void MainWindowTest::menuBarFollowsTheMenuTree() {
         "MenuOptions{OptionsLanguage{lang1* lang2* lang3* lang4* lang5* lang6* lang7*} "
         "OptSort{SortOffset* SortName*} -gap2222 ArcViz{OptGrid* OptCols* -vgap OptsPick} "
         "AddScan{AddingScan* ScanSettings} -g4 OptAuto* OptConDelete* OptRebuildPrompt* "
-        "-sexySpacerNo5 OptAss} "
+        "OptStdKeys* -sexySpacerNo5 OptAss} "
         "MenuHelp{HelpHome HelpCheckWeb -drfsdfsdf HelpHelp[F12] HelpAbout}";
     QCOMPARE(Describe(w->menuBar()->actions()), expected);
 }
@@ -187,6 +195,59 @@ void MainWindowTest::longWorkTakesOnlyCancelAndCloseWaitsForIt() {
     }
     QCOMPARE(ran, QStringList());
     QTRY_VERIFY(!w->isVisible()); // the close asked for comes once the work stopped
+void MainWindowTest::standardShortcutsGiveTheDesktopKeysTheirMeaning() {
+    for (const korvel::ShortcutChoice& choice : korvel::ShortcutChoices)
+        QVERIFY(korvel::FindMenuNode(choice.item)->shortcut == choice.designed);
+    const QHash<QString, QString> onlyItemFor = {
+        {"New", "FileNew"},        {"Open", "FileOpen"},         {"Close", "FileClose"},
+        {"Refresh", "FileReload"}, {"SelectAll", "EditSelect"},  {"Find", "EditFind"},
+        {"Delete", "ComDel"},      {"HelpContents", "HelpHelp"}, {"Copy", "EditCopyFiles"}};
+    env->action("OptStdKeys")->trigger();
+    QVERIFY(env->settings.StandardShortcuts() && env->action("OptStdKeys")->isChecked());
+    QHash<QString, QString> owner; // key -> item
+    for (QAction* a : w->findChildren<QAction*>())
+        if (!a->shortcut().isEmpty())
+            QVERIFY(!std::exchange(owner[a->shortcut().toString()], a->objectName()).size());
+    const QMetaEnum keys = QMetaEnum::fromType<QKeySequence::StandardKey>();
+    for (int i = 0; i < keys.keyCount(); ++i)
+        for (const QKeySequence& bound :
+             QKeySequence::keyBindings(QKeySequence::StandardKey(keys.value(i))))
+            QVERIFY(!owner.contains(bound.toString()) ||
+                    onlyItemFor.value(keys.key(i)) == owner[bound.toString()]);
+    env->action("OptStdKeys")->trigger(); // back to the designed keys
+    QCOMPARE(env->action("FileClose")->shortcut(), QKeySequence("Ctrl+C"));
+}
+
+void MainWindowTest::keyboardReachesTheMenusAndClosesToolWindows() {
+    QVERIFY(QTest::qWaitForWindowActive(w));
+    QTest::keyClick(view, Qt::Key_F10);
+    QTRY_COMPARE(w->menu("MenuFile")->activeAction(), env->action("FileNew"));
+    w->menu("MenuFile")->close();
+    // The list's pop-up menu from the keyboard, only over a selection.
+    for (const auto& [key, modifiers, selection] :
+         {std::tuple{Qt::Key_Menu, 0, "SelectModels"}, std::tuple{Qt::Key_F10, 1, "SelectCols"},
+          std::tuple{Qt::Key_Menu, 0, "SelectAni"}}) {
+        w->runCommand(selection); // the archive holds no animation
+        QTest::keyClick(view, key, modifiers ? Qt::ShiftModifier : Qt::NoModifier);
+        QCOMPARE(w->menu("MenuEdit")->isVisible(), view->selectionModel()->hasSelection());
+        w->menu("MenuEdit")->hide();
+    }
+    w->runCommand("EditFind"); // Tab goes down the window as it is laid out
+    QStringList chain;
+    QWidget* first = w->findWindows().searchWindow()->searchText();
+    for (QWidget* at = first; chain.isEmpty() || at != first; at = at->nextInFocusChain())
+        chain << ((at->focusPolicy() & Qt::TabFocus) && at->isVisible() ? at->objectName() : "");
+    QCOMPARE(chain.join(' ').simplified(),
+             "searchText findIt searchResults searchAll searchTextures "
+             "searchModels searchAni searchCol saveList closeSearch");
+    for (const char* key : {"Esc", "Ctrl+W"})
+        for (const char* item : {"EditFind", "EditFindIn", "ShowMeModels"}) {
+            w->runCommand(item);
+            QTRY_VERIFY(QApplication::activeWindow() && QApplication::activeWindow() != w);
+            QPointer<QWidget> tool = QApplication::activeWindow();
+            QTest::keySequence(tool, QKeySequence(key));
+            QTRY_VERIFY2(tool.isNull() || !tool->isVisible(), item);
+        }
 }
 
 QTEST_MAIN(MainWindowTest)
