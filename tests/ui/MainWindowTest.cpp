@@ -195,6 +195,8 @@ void MainWindowTest::longWorkTakesOnlyCancelAndCloseWaitsForIt() {
     }
     QCOMPARE(ran, QStringList());
     QTRY_VERIFY(!w->isVisible()); // the close asked for comes once the work stopped
+}
+
 void MainWindowTest::standardShortcutsGiveTheDesktopKeysTheirMeaning() {
     for (const korvel::ShortcutChoice& choice : korvel::ShortcutChoices)
         QVERIFY(korvel::FindMenuNode(choice.item)->shortcut == choice.designed);
