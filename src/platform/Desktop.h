@@ -30,6 +30,9 @@ struct FileDialogAnswer {
     bool chosen() const { return outcome == Outcome::Chosen && !paths.empty(); }
 };
 
+// The answers to "write over this file?" while extracting.
+enum class OverwriteAnswer { Yes, YesToAll, No, Cancel };
+
 struct Rgb {
     int red = 0;
     int green = 0;
@@ -70,6 +73,14 @@ public:
     virtual void SetClipboardText(const std::string& text) = 0;
     // Opens a file or web address with the desktop's associated program.
     virtual bool OpenWithShell(const std::string& pathOrAddress) = 0;
+
+    // A Yes/No question whose Yes destroys something (deleting entries,
+    // emptying a file, rebuilding): a warning icon, No is the default button
+    // and Escape answers No. True only for Yes.
+    virtual bool AskDestructive(const std::string& text, const std::string& title) = 0;
+    // Before a file is written over: Yes, Yes to all, No (the default) or
+    // Cancel (also Escape and the close button).
+    virtual OverwriteAnswer AskOverwrite(const std::string& text, const std::string& title) = 0;
 };
 
 } // namespace korvel

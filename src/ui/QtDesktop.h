@@ -43,6 +43,8 @@ public:
     void SetBusy(bool busy) override;
     void SetClipboardText(const std::string& text) override;
     bool OpenWithShell(const std::string& pathOrAddress) override;
+    bool AskDestructive(const std::string& text, const std::string& title) override;
+    OverwriteAnswer AskOverwrite(const std::string& text, const std::string& title) override;
 
 private:
     FileDialogAnswer fileDialog(const FileDialogRequest& request, bool saving);

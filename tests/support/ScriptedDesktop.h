@@ -51,6 +51,9 @@ public:
     void SetBusy(bool busy) override;
     void SetClipboardText(const std::string& text) override;
     bool OpenWithShell(const std::string& pathOrAddress) override;
+    bool AskDestructive(const std::string& text, const std::string& title) override; // "ask !title"
+    OverwriteAnswer AskOverwrite(const std::string& text, // "yes", "all", "no", "<cancel>"
+                                 const std::string& title) override;
 
 private:
     std::string next(const std::string& asking);
