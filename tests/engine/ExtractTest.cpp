@@ -56,7 +56,6 @@ TEST_F(Extract, OnlyTheSectorsTheDataFileHoldsAreWrittenAndTheRestIsNamed) {
 }
 
 TEST_F(Extract, AnExistingFileIsWrittenOverOnlyWhenThePersonSaysSo) {
-    // The answers in order; which of a, b, c hold the entry's bytes afterwards.
     const std::tuple<std::vector<std::string>, std::string, std::size_t> cases[] = {
         {{"yes", "no", "yes"}, "ac", 1},
         {{"no", "all"}, "bc", 1},

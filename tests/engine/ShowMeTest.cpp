@@ -56,12 +56,10 @@ TEST_F(ShowMe, SavedListIsTheNamesOrThePlaceholderWithCrLf) {
     EXPECT_EQ(ReadBytes(saved), text("sd2") + "\r\n");
 }
 
-// Results (the find windows' too) and the open rename dialog never act on another entry.
 TEST_F(ShowMe, ResultsAndTheRenameDialogKeepToTheirOwnEntries) {
     settings.WriteSetting("False", "deleteProm");
     const std::string gone = text("resGone") + " 1";
-    // What happens to e b c d a meanwhile; the entries the results for b and d
-    // then select; what they say; whether the dialog opened for b renames it.
+    // Change to e b c d a; what results for b, d select and say; b renamed by its dialog?
     const std::tuple<std::function<void()>, std::vector<std::string>, std::string, bool> cases[] = {
         {[&] { select({0}), commands.DeleteSelectedAsking(); }, {"b.dff", "d.dff"}, "", true},
         {[&] { select({1}), commands.DeleteSelectedAsking(); }, {"d.dff"}, gone, false},
@@ -78,12 +76,14 @@ TEST_F(ShowMe, ResultsAndTheRenameDialogKeepToTheirOwnEntries) {
         open({{0, 1, "e.dff"}, {1, 1, "b.dff"}, {2, 1, "c.txd"}, {3, 1, "d.dff"}, {4, 1, "a.txd"}},
              5 * SectorSize);
         const auto list = BuildShowMeList(editor, "ShowMeModels");
+        const std::vector<EntryRef> found{list->rows[1].entry, list->rows[2].entry};
+        (void)SelectResultEntries(editor, found); // a lookup made before the change
         select({1});
         dialogs.renameAnswers = {"<later>"};
         commands.RenameSelectedWithDialog();
         change();
         desktop.conversation.clear();
-        (void)SelectResultEntries(editor, {list->rows[1].entry, list->rows[2].entry});
+        (void)SelectResultEntries(editor, found);
         std::vector<std::string> picked;
         for (std::size_t row : selected())
             picked.push_back(editor.table()[row].name);
