@@ -39,10 +39,21 @@ struct ExtractResult {
     // Written, but this many bytes of the entry lie past the end of the data
     // file and are not in the file; MissingBytesText says so.
     std::uint64_t missingBytes = 0;
+    // A file stood at the target and the overwrite decision kept it: nothing
+    // was written (Skip), or nothing more should be (Stop).
+    bool skipped = false;
+    bool stopped = false;
 };
-// Writes the row's bytes to the file its name gives inside `folder`.
+// What extracting does when a file already stands where an entry would go.
+enum class OverwriteChoice { Overwrite, Skip, Stop };
+// Asked with the path of the file that exists, before anything is written.
+using DecideOverwrite = std::function<OverwriteChoice(const std::filesystem::path& existing)>;
+// Writes the row's bytes to the file its name gives inside `folder`. When
+// something already stands there, `decide` says whether to write over it;
+// without a decision the file is written over (the temps copies for View).
 ExtractResult ExtractEntryTo(const Archive& archive, std::size_t row,
-                             const std::filesystem::path& folder);
+                             const std::filesystem::path& folder,
+                             const DecideOverwrite& decide = {});
 
 // --- replacing ---------------------------------------------------------------
 struct ReplaceResult {

@@ -1,6 +1,7 @@
 #include "archive/EntryTable.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace korvel {
 
@@ -12,6 +13,7 @@ void EntryTable::setOrder(Order order) {
     if (order_ == Order::Name) {
         std::stable_sort(rows_.begin(), rows_.end(),
                          [](const Entry& a, const Entry& b) { return NameLess(a.name, b.name); });
+        rowsMoved();
         notifyReset();
     }
 }
@@ -23,8 +25,50 @@ void EntryTable::setPlaceholder(bool shown) {
     }
 }
 
+bool EntryTable::adoptIds(std::vector<Entry>& rows) const {
+    if (rows.size() != rows_.size()) {
+        return false;
+    }
+    std::unordered_multimap<std::string, const Entry*> byName;
+    byName.reserve(rows_.size());
+    for (const Entry& row : rows_) {
+        byName.emplace(row.name, &row);
+    }
+    for (Entry& row : rows) {
+        auto [first, last] = byName.equal_range(row.name);
+        const auto same = std::find_if(first, last, [&](const auto& old) {
+            return old.second->startSector == row.startSector &&
+                   old.second->sizeSectors == row.sizeSectors;
+        });
+        if (same == last) {
+            return false;
+        }
+        row.id = same->second->id;
+        byName.erase(same); // each old row matches one new row only
+    }
+    return true;
+}
+
 void EntryTable::assign(std::vector<Entry> rows) {
+    const bool rereading = std::exchange(rereading_, false);
+    if (rereading && !adoptIds(rows)) {
+        for (Entry& row : rows) {
+            row.id = 0;
+        }
+    }
     rows_ = std::move(rows);
+    // An empty list is read anew too: opening an empty archive after another
+    // one must not leave references to the old one standing.
+    const bool readAnew =
+        rows_.empty() ||
+        std::any_of(rows_.begin(), rows_.end(), [](const Entry& row) { return row.id == 0; });
+    if (readAnew) {
+        ++generation_;
+        for (Entry& row : rows_) {
+            giveId(row);
+        }
+    }
+    rowsMoved();
     if (order_ == Order::Name) {
         std::stable_sort(rows_.begin(), rows_.end(),
                          [](const Entry& a, const Entry& b) { return NameLess(a.name, b.name); });
@@ -34,7 +78,10 @@ void EntryTable::assign(std::vector<Entry> rows) {
 }
 
 void EntryTable::clear() {
+    rereading_ = false;
     rows_.clear();
+    ++generation_;
+    rowsMoved();
     notifyReset();
 }
 
@@ -46,6 +93,14 @@ std::size_t EntryTable::sortedPosition(const std::string& name) const {
 }
 
 std::size_t EntryTable::append(Entry entry) {
+    if (entry.id == 0) {
+        giveId(entry);
+    }
+    return insertRow(std::move(entry));
+}
+
+std::size_t EntryTable::insertRow(Entry entry) {
+    rowsMoved();
     const std::size_t row = order_ == Order::Name ? sortedPosition(entry.name) : rows_.size();
     rows_.insert(rows_.begin() + static_cast<std::ptrdiff_t>(row), std::move(entry));
     notifyInserted(row, 1);
@@ -53,6 +108,7 @@ std::size_t EntryTable::append(Entry entry) {
 }
 
 void EntryTable::remove(std::size_t row) {
+    rowsMoved();
     rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(row));
     notifyRemoved(row, 1);
 }
@@ -69,6 +125,7 @@ void EntryTable::removeWhere(const std::vector<bool>& doomed) {
         while (row > 0 && doomed[row - 1]) {
             --row;
         }
+        rowsMoved();
         rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(row),
                     rows_.begin() + static_cast<std::ptrdiff_t>(last));
         notifyRemoved(row, last - row);
@@ -85,7 +142,25 @@ void EntryTable::setName(std::size_t row, std::string name) {
     Entry entry = std::move(rows_[row]);
     remove(row);
     entry.name = std::move(name);
-    append(std::move(entry));
+    insertRow(std::move(entry));
+}
+
+std::optional<std::size_t> EntryTable::rowOf(const EntryRef& entry) const {
+    if (entry.generation != generation_ || entry.id == 0) {
+        return std::nullopt;
+    }
+    if (!rowOfId_) {
+        rowOfId_.emplace();
+        rowOfId_->reserve(rows_.size());
+        for (std::size_t row = 0; row < rows_.size(); ++row) {
+            rowOfId_->emplace(rows_[row].id, row);
+        }
+    }
+    const auto found = rowOfId_->find(entry.id);
+    if (found == rowOfId_->end()) {
+        return std::nullopt;
+    }
+    return found->second;
 }
 
 void EntryTable::setPlacement(std::size_t row, std::uint32_t startSector,

@@ -9,16 +9,31 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace korvel {
+
+// Which entry a result list, a dialog or a command means, however rows move
+// in the meantime. The table hands out ids; a generation is one reading of
+// an archive (open, reload, close start a new one), so a reference taken
+// before another archive was opened never finds an entry of the new one.
+struct EntryRef {
+    std::uint64_t generation = 0;
+    std::uint64_t id = 0;
+    friend bool operator==(const EntryRef&, const EntryRef&) = default;
+};
 
 struct Entry {
     std::uint32_t startSector = 0;
     std::uint32_t sizeSectors = 0;
     std::string name; // raw Windows-1252 bytes
     bool selected = false;
+    // Given by the table; 0 for a row that was never in it. A row taken out
+    // and put back (moved, restored after a failed write) keeps its id.
+    std::uint64_t id = 0;
 
     std::uint64_t byteOffset() const { return SectorToOffset(startSector); }
     std::uint64_t byteCount() const { return std::uint64_t{sizeSectors} * SectorSize; }
@@ -57,11 +72,22 @@ public:
     bool placeholder() const { return placeholder_; }
     void setPlaceholder(bool shown);
 
-    // Replaces all rows (opening an archive), sorted when name order is on.
+    // Replaces all rows, sorted when name order is on. Rows read anew (any
+    // row without an id: opening, reloading) start a new generation with
+    // fresh ids; rows that all carry ids (the old rows put back after a
+    // failed write) keep them and the generation.
     void assign(std::vector<Entry> rows);
+    // Empties the table and starts a new generation (closing).
     void clear();
+    // The next assign reads the archive these rows came from again (a
+    // reload, the Sort menu): when it lists exactly the same entries (names
+    // and placement, in any order) they keep their ids and the generation,
+    // so result lists and dialogs still find them. Anything else is a new
+    // reading. Another archive must never be assigned after this call: its
+    // entries could look the same and hold other data.
+    void rereadSameArchive() { rereading_ = true; }
     // Appends a row (or inserts it at its sorted place in name order) and
-    // returns its row index.
+    // returns its row index. A row without an id gets a fresh one.
     std::size_t append(Entry entry);
     void remove(std::size_t row);
     // Removes every row whose flag in `doomed` is set, in one notification
@@ -69,6 +95,15 @@ public:
     void removeWhere(const std::vector<bool>& doomed);
     void setName(std::size_t row, std::string name);
     void setPlacement(std::size_t row, std::uint32_t startSector, std::uint32_t sizeSectors);
+
+    // --- identity -----------------------------------------------------------
+    std::uint64_t generation() const { return generation_; }
+    EntryRef refOf(std::size_t row) const { return {generation_, rows_[row].id}; }
+    // The row the entry stands in now; nothing when it is gone or the
+    // reference is of another generation. The id->row map is rebuilt only
+    // after rows were inserted, removed or reordered, so a click on a result
+    // costs no scan of the table.
+    std::optional<std::size_t> rowOf(const EntryRef& entry) const;
 
     // Tells observers every row may look different (icons after a rename,
     // for instance).
@@ -98,7 +133,19 @@ private:
     void notifyChanged(std::size_t first, std::size_t last);
     void notifyReset();
 
+    std::size_t insertRow(Entry entry);
+    // Gives `rows` the ids of the same entries among the current rows; false
+    // (nothing changed) unless every row has its own match.
+    bool adoptIds(std::vector<Entry>& rows) const;
+    void giveId(Entry& entry) { entry.id = nextId_++; }
+    void rowsMoved() { rowOfId_.reset(); }
+
     std::vector<Entry> rows_;
+    // Ids are never reused within one table, across generations too.
+    std::uint64_t nextId_ = 1;
+    std::uint64_t generation_ = 1;
+    mutable std::optional<std::unordered_map<std::uint64_t, std::size_t>> rowOfId_;
+    bool rereading_ = false;
     Order order_ = Order::Index;
     bool placeholder_ = false;
     std::vector<EntryTableObserver*> observers_;

@@ -48,6 +48,12 @@ std::vector<std::string> From(const Arguments& args, std::size_t first) {
 }
 
 int Extract(const Arguments& args) {
+    const bool overwrite = args.has("--overwrite");
+    const bool keep = args.has("--no-overwrite");
+    if (overwrite && keep) {
+        PrintError("--overwrite and --no-overwrite cannot both be given");
+        return ExitUsage;
+    }
     Run run;
     if (!run.session.open(args.operands[0])) {
         return ExitFailure;
@@ -65,6 +71,17 @@ int Extract(const Arguments& args) {
     if (!fs::is_directory(dest)) {
         return Fail("cannot create the folder " + dest + (ec ? ": " + ec.message() : ""));
     }
+    // Without a choice an existing file is kept and the run counts as
+    // failed, so a script notices what it did not get.
+    const DecideOverwrite decide = [&](const fs::path& existing) {
+        if (overwrite) {
+            return OverwriteChoice::Overwrite;
+        }
+        PrintError("skipped " + EscapeControls(existing.string()) + ": the file exists" +
+                   (keep ? "" : " (--overwrite writes over it)"));
+        run.failed = run.failed || !keep;
+        return OverwriteChoice::Skip;
+    };
     CatchInterrupt();
     std::size_t done = 0;
     for (std::size_t row : *rows) {
@@ -73,7 +90,10 @@ int Extract(const Arguments& args) {
                                      " entries written");
         }
         ++done;
-        const ExtractResult result = ExtractEntryTo(run.archive(), row, dest);
+        const ExtractResult result = ExtractEntryTo(run.archive(), row, dest, decide);
+        if (result.skipped) {
+            continue;
+        }
         if (!result.target || result.refused) {
             run.error(result.status.error());
         } else if (!result.status.ok()) {
@@ -310,9 +330,11 @@ int RebuildArchive(const Arguments& args) {
 
 void AddEntryVerbs(VerbTable& verbs) {
     const std::size_t many = SIZE_MAX;
-    verbs["extract"] = {"extract ARCHIVE.img DEST_DIR [NAME...]",
-                        "write all entries, or the named ones, as files into DEST_DIR",
-                        {},
+    verbs["extract"] = {"extract ARCHIVE.img DEST_DIR [NAME...] [--overwrite|--no-overwrite]",
+                        "write all entries, or the named ones, as files into DEST_DIR; an "
+                        "existing file is kept (exit 1) unless --overwrite writes over it or "
+                        "--no-overwrite skips it",
+                        {{"--overwrite", false}, {"--no-overwrite", false}},
                         2,
                         many,
                         Extract};

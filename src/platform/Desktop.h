@@ -30,6 +30,9 @@ struct FileDialogAnswer {
     bool chosen() const { return outcome == Outcome::Chosen && !paths.empty(); }
 };
 
+// The answers to "write over this file?" while extracting.
+enum class OverwriteAnswer { Yes, YesToAll, No, Cancel };
+
 struct Rgb {
     int red = 0;
     int green = 0;
@@ -81,6 +84,13 @@ public:
     // between its steps; the window handles what waited meanwhile (painting,
     // the Cancel button) before it answers.
     virtual bool ProgressCancelled() { return false; }
+    // A Yes/No question whose Yes destroys something (deleting entries,
+    // emptying a file, rebuilding): a warning icon, No is the default button
+    // and Escape answers No. True only for Yes.
+    virtual bool AskDestructive(const std::string& text, const std::string& title) = 0;
+    // Before a file is written over: Yes, Yes to all, No (the default) or
+    // Cancel (also Escape and the close button).
+    virtual OverwriteAnswer AskOverwrite(const std::string& text, const std::string& title) = 0;
 };
 
 } // namespace korvel

@@ -28,6 +28,12 @@ public:
     void SetBusy(bool) override {}
     void SetClipboardText(const std::string&) override {}
     bool OpenWithShell(const std::string&) override { return true; }
+    // Nobody to ask: the command goes ahead, as with AskYesNo, but no file
+    // is ever written over unasked.
+    bool AskDestructive(const std::string&, const std::string&) override { return true; }
+    OverwriteAnswer AskOverwrite(const std::string&, const std::string&) override {
+        return OverwriteAnswer::No;
+    }
 };
 
 } // namespace korvel

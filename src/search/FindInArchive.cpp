@@ -16,7 +16,7 @@ std::vector<FoundEntry> FindEntries(const EntryTable& table, std::string_view te
             continue;
         }
         if (!kind || KindOfName(name) == *kind) {
-            found.push_back({name, i + 1});
+            found.push_back({name, i + 1, table.refOf(i)});
         }
     }
     return found;

@@ -17,6 +17,7 @@ namespace korvel {
 struct FoundEntry {
     std::string name; // raw Windows-1252 bytes, as the row shows it
     std::size_t row;  // 1-based row of the main list at the time of the search
+    EntryRef entry;   // the entry itself, wherever it stands later
 };
 
 // Rows whose lower-cased name holds the lower-cased text (no wildcards: "*"

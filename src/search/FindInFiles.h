@@ -27,6 +27,7 @@ struct FoundInFile {
     std::string name;      // the texture or model name
     std::string entryName; // the .txd or .col entry that holds it
     std::size_t row;       // that entry's 1-based row at the time of the search
+    EntryRef entry = {};   // that entry itself; the window fills it in
 };
 
 // How far a search has come, for a progress bar: `begin` with the number of

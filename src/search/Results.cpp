@@ -1,19 +1,30 @@
 #include "search/Results.h"
 
+#include <algorithm>
+
 namespace korvel {
 
-std::optional<std::size_t> SelectFoundRows(EntryTable& table,
-                                           const std::vector<std::size_t>& rows) {
-    table.clearSelection();
-    std::optional<std::size_t> last;
-    for (std::size_t row : rows) {
-        if (row == 0 || row > table.size()) {
-            break;
-        }
-        table.setSelected(row - 1, true);
-        last = row - 1;
+FoundSelection SelectFoundEntries(EntryTable& table, const std::vector<EntryRef>& entries) {
+    FoundSelection selection;
+    std::vector<bool> selected(table.size(), false);
+    const bool stale = std::any_of(entries.begin(), entries.end(), [&](const EntryRef& entry) {
+        return entry.generation != table.generation();
+    });
+    if (stale) {
+        selection.stale = true;
+        table.setSelection(selected);
+        return selection;
     }
-    return last;
+    for (const EntryRef& entry : entries) {
+        if (const auto row = table.rowOf(entry)) {
+            selected[*row] = true;
+            selection.last = *row;
+        } else {
+            ++selection.gone;
+        }
+    }
+    table.setSelection(selected);
+    return selection;
 }
 
 } // namespace korvel

@@ -244,6 +244,35 @@ bool QtDesktop::AskYesNo(const std::string& text, const std::string& title) {
     return box.exec() == QMessageBox::Yes;
 }
 
+bool QtDesktop::AskDestructive(const std::string& text, const std::string& title) {
+    QMessageBox box(QMessageBox::Warning, TitleOr(title), Q(text),
+                    QMessageBox::Yes | QMessageBox::No, owner_);
+    box.setObjectName(QStringLiteral("destructiveQuestion"));
+    // Enter on a question that destroys something must not say Yes.
+    box.setDefaultButton(QMessageBox::No);
+    box.setEscapeButton(QMessageBox::No);
+    return box.exec() == QMessageBox::Yes;
+}
+
+OverwriteAnswer QtDesktop::AskOverwrite(const std::string& text, const std::string& title) {
+    QMessageBox box(
+        QMessageBox::Warning, TitleOr(title), Q(text),
+        QMessageBox::Yes | QMessageBox::YesToAll | QMessageBox::No | QMessageBox::Cancel, owner_);
+    box.setObjectName(QStringLiteral("overwriteQuestion"));
+    box.setDefaultButton(QMessageBox::No);
+    box.setEscapeButton(QMessageBox::Cancel);
+    switch (box.exec()) {
+    case QMessageBox::Yes:
+        return OverwriteAnswer::Yes;
+    case QMessageBox::YesToAll:
+        return OverwriteAnswer::YesToAll;
+    case QMessageBox::No:
+        return OverwriteAnswer::No;
+    default:
+        return OverwriteAnswer::Cancel;
+    }
+}
+
 FileDialogAnswer QtDesktop::fileDialog(const FileDialogRequest& request, bool saving) {
     QFileDialog dialog(owner_, Q(request.title), Q(request.startFolder), Q(request.filter));
     dialog.setObjectName(QStringLiteral("CD1"));

@@ -61,6 +61,8 @@ public:
     void cancelWork();
     // Closing the window while work runs: cancel, and close once it stopped.
     void cancelWorkAndClose();
+    bool AskDestructive(const std::string& text, const std::string& title) override;
+    OverwriteAnswer AskOverwrite(const std::string& text, const std::string& title) override;
 
 private:
     class WorkGuard;

@@ -1,7 +1,6 @@
 #include "ui/ResultWindow.h"
 #include "ui/WidgetUnits.h"
 
-#include "search/Results.h"
 #include "ui/ArchiveView.h"
 #include "ui/EntryModel.h"
 #include "ui/MainWindow.h"
@@ -22,6 +21,7 @@
 #include <QVBoxLayout>
 
 #include <cmath>
+#include <memory>
 
 namespace korvel::ui {
 namespace {
@@ -32,18 +32,35 @@ QString Q(const std::string& text) {
 
 } // namespace
 
-void HighlightInMainList(MainWindow& main, const std::vector<std::size_t>& rows) {
+bool HighlightInMainList(MainWindow& main, const std::vector<EntryRef>& entries) {
     main.commands().ClearSelection();
-    if (const auto last = SelectFoundRows(main.editor().table(), rows)) {
+    const auto last = SelectResultEntries(main.editor(), entries);
+    if (last) {
         main.archiveView()->scrollTo(main.model()->index(static_cast<int>(*last), 0));
     }
     main.activateWindow();
+    return last.has_value();
 }
 
-void HighlightAndRun(MainWindow& main, const std::vector<std::size_t>& rows,
+void HighlightAndRun(MainWindow& main, const std::vector<EntryRef>& entries,
                      const QString& command) {
-    HighlightInMainList(main, rows);
-    main.runCommand(command);
+    if (HighlightInMainList(main, entries)) {
+        main.runCommand(command);
+    }
+}
+
+void ClearOnNewReading(MainWindow& main, QObject* owner, std::function<void()> clear) {
+    // The model resets for every reading of the archive (and for a sort);
+    // only a new generation of the table means the entries are others.
+    auto shown = std::make_shared<std::uint64_t>(main.editor().table().generation());
+    QObject::connect(main.model(), &QAbstractItemModel::modelReset, owner,
+                     [&main, shown, clear = std::move(clear)] {
+                         const std::uint64_t now = main.editor().table().generation();
+                         if (now != *shown) {
+                             *shown = now;
+                             clear();
+                         }
+                     });
 }
 
 ResultWindow::ResultWindow(MainWindow& main, const ResultWindowLayout& layout)
@@ -148,6 +165,7 @@ ResultWindow::ResultWindow(MainWindow& main, const ResultWindowLayout& layout)
     connect(items[5], &QAction::triggered, this,
             [this] { act(true, QStringLiteral("EditQuick"), false); });
     connect(save, &QPushButton::clicked, this, [this] { this->save(); });
+    ClearOnNewReading(main_, this, [this] { clearResults(); });
     connect(close, &QPushButton::clicked, this, &QWidget::close);
 }
 
@@ -160,31 +178,39 @@ int ResultWindow::twips(int value) const {
 }
 
 void ResultWindow::showResults(const std::vector<QStringList>& rows,
-                               std::vector<std::size_t> numbers) {
-    numbers_ = std::move(numbers);
+                               std::vector<EntryRef> entries) {
+    entries_ = std::move(entries);
     results_->clear();
     QList<QTreeWidgetItem*> items;
     for (const QStringList& row : rows) {
         items << new QTreeWidgetItem(row);
     }
-    if (numbers_.empty()) {
+    if (entries_.empty()) {
         items << new QTreeWidgetItem(QStringList{Q(main_.editor().text("sd2"))});
     }
     results_->addTopLevelItems(items);
-    count_->setText(Q(FoundCountText(main_.editor(), numbers_.size())));
+    count_->setText(Q(FoundCountText(main_.editor(), entries_.size())));
 }
 
-void ResultWindow::highlight() {
+void ResultWindow::clearResults() {
+    // As before the first search: no rows, nothing to save, nothing to act on.
+    entries_.clear();
+    results_->clear();
+    count_->setText(Q(main_.editor().text("find5")));
+    forgetResults();
+}
+
+bool ResultWindow::highlight() {
     if (!showsResults()) {
-        return;
+        return false;
     }
-    std::vector<std::size_t> rows;
+    std::vector<EntryRef> chosen;
     for (int i = 0; i < results_->topLevelItemCount(); ++i) {
         if (results_->topLevelItem(i)->isSelected()) {
-            rows.push_back(numbers_[static_cast<std::size_t>(i)]);
+            chosen.push_back(entries_[static_cast<std::size_t>(i)]);
         }
     }
-    HighlightInMainList(main_, rows);
+    return HighlightInMainList(main_, chosen);
 }
 
 void ResultWindow::act(bool guarded, const QString& command, bool closeAfter) {
@@ -194,8 +220,9 @@ void ResultWindow::act(bool guarded, const QString& command, bool closeAfter) {
     // Deselecting comes first even for the placeholder, so an unguarded item
     // then finds nothing selected to act on.
     main_.commands().ClearSelection();
-    highlight();
-    if (!command.isEmpty()) {
+    // A command runs only on entries the results chose: with every chosen
+    // one gone it would act on nothing the person picked.
+    if (highlight() && !command.isEmpty()) {
         main_.runCommand(command);
     }
     if (closeAfter) {

@@ -1,14 +1,18 @@
 // What the two find windows share: the search box and its button, a frame of
 // options, the result list with its pop-up menu, the count, Save and Close.
-// Results carry the main list's row numbers of the time of the search; every
-// action selects those rows in the main list and runs the main window's own
-// commands, so the windows never touch the archive themselves.
+// Results show the main list's row numbers of the time of the search but
+// carry the entries themselves; every action selects those entries in the
+// main list and runs the main window's own commands, so the windows never
+// touch the archive themselves.
 #pragma once
+
+#include "archive/EntryTable.h"
 
 #include <QWidget>
 
 #include <array>
 #include <cstddef>
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -24,13 +28,21 @@ namespace korvel::ui {
 
 class MainWindow;
 
-// Selects the given 1-based rows of the main list after ClearSelection,
-// scrolls to the last one selected and brings the main window up. A number
-// past the end (the list changed since) stops it there, quietly.
-void HighlightInMainList(MainWindow& main, const std::vector<std::size_t>& rows);
-// The same, then runs a main window command (EditView, EditExtract, EditQuick).
-void HighlightAndRun(MainWindow& main, const std::vector<std::size_t>& rows,
+// Selects the given entries in the main list after ClearSelection, scrolls
+// to the last one selected and brings the main window up. Entries gone since
+// are skipped with a message (SelectResultEntries). True when any entry was
+// selected.
+bool HighlightInMainList(MainWindow& main, const std::vector<EntryRef>& entries);
+// The same, then runs a main window command (EditView, EditExtract,
+// EditQuick), but only when an entry was selected: never on whatever the
+// main list had selected before.
+void HighlightAndRun(MainWindow& main, const std::vector<EntryRef>& entries,
                      const QString& command);
+
+// Calls `clear` whenever the main list is read anew (the archive was closed,
+// reopened or another one opened), so a result list never stands for
+// entries of another reading.
+void ClearOnNewReading(MainWindow& main, QObject* owner, std::function<void()> clear);
 
 // Where the two windows differ in names and sizes.
 struct ResultWindowLayout {
@@ -59,8 +71,9 @@ public:
     QLabel* countLabel() const { return count_; }
     QMenu* options() const { return options_; }
 
-    // Double click and Enter in the list: the selected results' rows.
-    void highlight();
+    // Double click and Enter in the list: the selected results' entries.
+    // True when any was selected in the main list.
+    bool highlight();
     // findIt, or Enter in the search box (also while findIt is disabled).
     virtual void search() = 0;
 
@@ -68,9 +81,13 @@ protected:
     ResultWindow(MainWindow& main, const ResultWindowLayout& layout);
 
     // Replaces the list: one row per result, or the placeholder row when
-    // `numbers` is empty; `numbers` are the results' main-list rows.
-    void showResults(const std::vector<QStringList>& rows, std::vector<std::size_t> numbers);
-    bool showsResults() const { return !numbers_.empty(); }
+    // `entries` is empty; `entries` are the results' entries.
+    void showResults(const std::vector<QStringList>& rows, std::vector<EntryRef> entries);
+    bool showsResults() const { return !entries_.empty(); }
+    // Empties the list when the archive it was searched in is gone.
+    void clearResults();
+    // The subclass forgets what it would save.
+    virtual void forgetResults() = 0;
     int twips(int value) const;
     // Sizes the window once the options are in the frame.
     void fitToContents();
@@ -92,7 +109,7 @@ private:
     QLabel* count_;
     QMenu* options_;
     bool guardEveryItem_;
-    std::vector<std::size_t> numbers_;
+    std::vector<EntryRef> entries_;
 };
 
 } // namespace korvel::ui

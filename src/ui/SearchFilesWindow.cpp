@@ -84,13 +84,13 @@ void SearchFilesWindow::search() {
     progress_->setValue(0);
     progress_->show();
     std::vector<QStringList> rows;
-    std::vector<std::size_t> numbers;
+    std::vector<EntryRef> entries;
     for (const FoundInFile& found : *found_) {
         rows.push_back({Q(Cp1252ToUtf8(found.name)), Q(Cp1252ToUtf8(found.entryName)),
                         QString::number(static_cast<qulonglong>(found.row))});
-        numbers.push_back(found.row);
+        entries.push_back(found.entry);
     }
-    showResults(rows, std::move(numbers));
+    showResults(rows, std::move(entries));
 }
 
 void SearchFilesWindow::save() {

@@ -25,6 +25,7 @@ public:
 
 private:
     void save() override;
+    void forgetResults() override { found_.reset(); }
 
     QRadioButton* textures_;
     QRadioButton* collisions_;

@@ -76,13 +76,13 @@ std::optional<EntryKind> SearchWindow::kind() const {
 void SearchWindow::search() {
     found_ = SearchArchive(main_.editor(), searchText()->text().toStdString(), kind());
     std::vector<QStringList> rows;
-    std::vector<std::size_t> numbers;
+    std::vector<EntryRef> entries;
     for (const FoundEntry& entry : *found_) {
         rows.push_back({QString::fromStdString(Cp1252ToUtf8(entry.name)),
                         QString::number(static_cast<qulonglong>(entry.row))});
-        numbers.push_back(entry.row);
+        entries.push_back(entry.entry);
     }
-    showResults(rows, std::move(numbers));
+    showResults(rows, std::move(entries));
     for (std::size_t i = 0; i < found_->size(); ++i) {
         results()->topLevelItem(static_cast<int>(i))->setIcon(0, IconOf((*found_)[i].name));
     }

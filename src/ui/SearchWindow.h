@@ -23,6 +23,7 @@ public:
 
 private:
     void save() override;
+    void forgetResults() override { found_.reset(); }
 
     std::array<QRadioButton*, 5> types_{};
     std::optional<std::vector<FoundEntry>> found_; // nothing before the first search

@@ -4,6 +4,7 @@
 #include "ui/ArchiveView.h"
 #include "ui/EntryModel.h"
 #include "ui/MainWindow.h"
+#include "ui/ResultWindow.h"
 #include "ui/TypeIcons.h"
 
 #include <QAction>
@@ -93,6 +94,14 @@ ShowMeWindow::ShowMeWindow(MainWindow& main) : QWidget(&main, Qt::Window), main_
     connect(close_, &QPushButton::clicked, this, &QWidget::close);
     AddCloseKeys(*this);
 
+    // The list is of the archive it was filled from; another reading of the
+    // main list empties it.
+    ClearOnNewReading(main_, this, [this] {
+        shown_.rows.clear();
+        list_->clear();
+        setWindowTitle(QStringLiteral(" Show me"));
+    });
+
     // The list takes all the room the window gives it; the two buttons stay
     // on a row below, however small or large the window is made.
     auto* buttons = new QHBoxLayout;
@@ -132,21 +141,17 @@ void ShowMeWindow::fill(ShowMeList list) {
     setWindowTitle(WithoutMnemonic(Q(shown_.title)));
 }
 
-void ShowMeWindow::highlight() {
+bool ShowMeWindow::highlight() {
     if (shown_.placeholder()) {
-        return;
+        return false;
     }
-    std::vector<std::size_t> numbers;
+    std::vector<EntryRef> chosen;
     for (int i = 0; i < list_->topLevelItemCount(); ++i) {
         if (list_->topLevelItem(i)->isSelected()) {
-            numbers.push_back(shown_.rows[static_cast<std::size_t>(i)].number);
+            chosen.push_back(shown_.rows[static_cast<std::size_t>(i)].entry);
         }
     }
-    main_.commands().ClearSelection();
-    if (const auto last = HighlightShowMeRows(main_.editor().table(), numbers)) {
-        main_.archiveView()->scrollTo(main_.model()->index(static_cast<int>(*last), 0));
-    }
-    main_.activateWindow();
+    return HighlightInMainList(main_, chosen);
 }
 
 void ShowMeWindow::highlightAndRun(const QString& command) {
@@ -155,8 +160,9 @@ void ShowMeWindow::highlightAndRun(const QString& command) {
     if (shown_.placeholder()) {
         return;
     }
-    highlight();
-    main_.runCommand(command);
+    if (highlight()) {
+        main_.runCommand(command);
+    }
 }
 
 bool ShowMeWindow::eventFilter(QObject* watched, QEvent* event) {

@@ -27,9 +27,10 @@ public:
     QTreeWidget* fileList() const { return list_; }
     QMenu* options() const { return options_; }
 
-    // HighLightFiel and the double click: select the chosen rows in the main
-    // list (none for the placeholder) and bring the main window up.
-    void highlight();
+    // HighLightFiel and the double click: select the chosen entries in the
+    // main list (none for the placeholder) and bring the main window up.
+    // True when any was selected.
+    bool highlight();
     // OpenFile, extractFile, OutQuick: highlight, then the main command.
     void highlightAndRun(const QString& command);
 

@@ -167,6 +167,11 @@ void Editor::OpenRecent(int slot) {
 void Editor::ReloadArchive() {
     const std::string path = menu_.caption("recent1");
     if (path != NoPath) {
+        // The same archive read again keeps its entries' identities when its
+        // directory did not change, so open result lists stay usable.
+        if (isOpen() && path == dataPath()) {
+            table().rereadSameArchive();
+        }
         OpenArchive(path);
     }
     desktop_.SetStatus(text("reloaded"));
@@ -216,7 +221,7 @@ void Editor::NewArchiveAskingPath() {
         for (const std::string& file : emptied) {
             question += (&file == &emptied.front() ? " " : "\n") + file;
         }
-        if (!desktop_.AskYesNo(question + "\n" + text("fe2"), text("fe3"))) {
+        if (!desktop_.AskDestructive(question + "\n" + text("fe2"), text("fe3"))) {
             return;
         }
     }

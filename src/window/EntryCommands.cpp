@@ -84,13 +84,14 @@ std::size_t EntryCommands::ExtractSelected(ExtractMode firstMode) {
         desktop.SetStatus(editor_.text("noneSel"));
         return 0;
     }
-    std::size_t failed = 0;
+    std::size_t written = 0;
+    OverwriteAsking asking;
     // Looked up once: every lookup reads the language file's identity.
     const std::string extracting = editor_.text("extract1") + " ";
     const std::string of = " " + editor_.text("adding2") + " " + std::to_string(rows.size());
     // Shown once the folder is known, so not behind the folder dialog.
     std::optional<LongWork> work;
-    for (std::size_t k = 0; k < rows.size(); ++k) {
+    for (std::size_t k = 0; k < rows.size() && !asking.stopped; ++k) {
         if (k == 1) {
             work.emplace(desktop, rows.size());
         }
@@ -98,21 +99,52 @@ std::size_t EntryCommands::ExtractSelected(ExtractMode firstMode) {
             // The rows not yet extracted stay selected, so that extracting
             // again goes on from here.
             desktop.SetStatus(
-                CountedText(editor_.text("extractCancelled"), k - failed, rows.size()));
-            return failed;
+                CountedText(editor_.text("extractCancelled"), written, rows.size()));
+            return k - written;
         }
         desktop.SetStatus(extracting + std::to_string(k + 1) + of);
         // The folder is asked for once; later rows follow it through lastExtract.
-        if (!ExtractEntry(rows[k], k == 0 ? firstMode : ExtractMode::Quick)) {
-            ++failed;
+        if (ExtractEntry(rows[k], k == 0 ? firstMode : ExtractMode::Quick, asking)) {
+            ++written;
         }
         table.setSelected(rows[k], false);
     }
     table.setSelected(rows.back(), true);
-    return failed;
+    if (asking.skipped != 0 || asking.stopped) {
+        desktop.SetStatus(std::to_string(written) + " " + editor_.text("ovw3") + ", " +
+                          std::to_string(rows.size() - written) + " " + editor_.text("filesSkip"));
+    }
+    return rows.size() - written;
 }
 
 bool EntryCommands::ExtractEntry(std::size_t row, ExtractMode mode) {
+    OverwriteAsking asking;
+    return ExtractEntry(row, mode, asking);
+}
+
+OverwriteChoice EntryCommands::AskOverwrite(const fs::path& existing, OverwriteAsking& asking) {
+    if (asking.all) {
+        return OverwriteChoice::Overwrite;
+    }
+    const std::string question =
+        editor_.text("ovw1") + "\n" + existing.string() + "\n" + editor_.text("ovw2");
+    switch (editor_.desktop().AskOverwrite(question, editor_.text("ovw0"))) {
+    case OverwriteAnswer::YesToAll:
+        asking.all = true;
+        return OverwriteChoice::Overwrite;
+    case OverwriteAnswer::Yes:
+        return OverwriteChoice::Overwrite;
+    case OverwriteAnswer::No:
+        ++asking.skipped;
+        return OverwriteChoice::Skip;
+    case OverwriteAnswer::Cancel:
+        break;
+    }
+    asking.stopped = true;
+    return OverwriteChoice::Stop;
+}
+
+bool EntryCommands::ExtractEntry(std::size_t row, ExtractMode mode, OverwriteAsking& asking) {
     Desktop& desktop = editor_.desktop();
     if (row >= editor_.table().size()) {
         return false;
@@ -134,7 +166,17 @@ bool EntryCommands::ExtractEntry(std::size_t row, ExtractMode mode) {
         }
         folder = pickedFolder_;
     }
-    const ExtractResult result = ExtractEntryTo(editor_.archive(), row, folder);
+    const ExtractResult result =
+        ExtractEntryTo(editor_.archive(), row, folder,
+                       [&](const fs::path& existing) { return AskOverwrite(existing, asking); });
+    if (result.skipped) {
+        // The folder was chosen all the same: the entries after this one go
+        // there too, not to the one extracted into last time.
+        if (mode == ExtractMode::Ask) {
+            editor_.settings().WriteSetting(pickedFolder_, "lastExtract");
+        }
+        return false;
+    }
     if (!result.target || result.refused) {
         desktop.ShowMessage(result.status.error(), "Error", MessageIcon::Exclamation);
         return false;
@@ -218,7 +260,7 @@ void EntryCommands::DeleteSelectedAsking() {
     if (BooleanWord(editor_.settings().ReadSetting("deleteProm")).value_or(false)) {
         const std::string question =
             editor_.text("del1") + " " + std::to_string(rows.size()) + " " + editor_.text("del2");
-        if (!editor_.desktop().AskYesNo(question, editor_.text("del3"))) {
+        if (!editor_.desktop().AskDestructive(question, editor_.text("del3"))) {
             return;
         }
     }
@@ -247,6 +289,11 @@ void EntryCommands::MoveSelectedToEnd() {
         table.setSelected(table.size() - 1, true);
         return;
     }
+    std::vector<EntryRef> moving;
+    moving.reserve(rows.size());
+    for (std::size_t row : rows) {
+        moving.push_back(table.refOf(row));
+    }
     ShowDeleteProgress(rows.size());
     if (const Status moved = MoveRowsToEnd(editor_.archive(), rows); !moved.ok()) {
         ShowError(moved.error());
@@ -255,11 +302,16 @@ void EntryCommands::MoveSelectedToEnd() {
     editor_.MarkArchiveChanged();
     desktop.SetStatus(editor_.text("del4"));
     editor_.ShowEntryCount();
-    // Deliberate: the row selected afterwards is the one now standing where
-    // the last moved row stood.
-    if (rows.back() < table.size()) {
-        table.setSelected(rows.back(), true);
+    // The moved entries stay selected, and nothing else: the next command
+    // (a Delete, say) must hit what the person moved, not the row that slid
+    // into its place.
+    std::vector<bool> selected(table.size(), false);
+    for (const EntryRef& entry : moving) {
+        if (const auto row = table.rowOf(entry)) {
+            selected[*row] = true;
+        }
     }
+    table.setSelection(selected);
     desktop.SetStatus(std::to_string(rows.size()) + " " + editor_.text("move3"));
 }
 
@@ -267,7 +319,7 @@ void EntryCommands::MoveSelectedToEnd() {
 
 void EntryCommands::RebuildAsking() {
     const std::string question = editor_.text("rebuild1") + "\r\n" + editor_.text("rebuild2");
-    if (editor_.desktop().AskYesNo(question, editor_.text("menuc9") + "?")) {
+    if (editor_.desktop().AskDestructive(question, editor_.text("menuc9") + "?")) {
         Rebuild();
     }
 }

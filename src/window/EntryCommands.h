@@ -38,6 +38,8 @@ public:
     // Both return the number of selected entries that were not written.
     std::size_t ExtractSelectedAskingFolder();
     std::size_t ExtractSelectedToLastFolder();
+    // Asks before writing over a file that exists (Yes / Yes to all / No /
+    // Cancel); false when the entry was not written.
     bool ExtractEntry(std::size_t row, ExtractMode mode);
     std::string ChooseFolder();
     void ViewSelectedEntries();
@@ -73,6 +75,10 @@ public:
     // The rename dialog's `DoRename`: `typed` is UTF-8. False keeps the
     // dialog open.
     bool DoRename(std::size_t row, const std::string& typed);
+    // The same for the modeless dialog, which names its entry by identity:
+    // an entry gone since (deleted, another archive opened) is not renamed,
+    // and a message says so; the dialog closes.
+    bool DoRenameEntry(const EntryRef& entry, const std::string& typed);
     void LowerCaseSelected(NameCase which);
 
     // --- the marker ----------------------------------------------------------
@@ -80,6 +86,15 @@ public:
     bool InsertMarker();
 
 private:
+    // How the answers about existing files carry from one entry to the next
+    // within one extraction.
+    struct OverwriteAsking {
+        bool all = false;     // Yes to all was answered
+        bool stopped = false; // Cancel was answered
+        std::size_t skipped = 0;
+    };
+    bool ExtractEntry(std::size_t row, ExtractMode mode, OverwriteAsking& asking);
+    OverwriteChoice AskOverwrite(const std::filesystem::path& existing, OverwriteAsking& asking);
     static std::string FolderWithSeparator(const std::string& path);
     std::vector<std::size_t> SelectedRows() const;
     std::size_t ExtractSelected(ExtractMode firstMode);

@@ -58,12 +58,20 @@ void EntryCommands::ReportAddFailure(const std::string& description, const std::
 DecideDuplicate EntryCommands::DuplicateDecider() {
     return [this](const std::string& name, std::size_t row) {
         Settings& settings = editor_.settings();
-        if (NumberSetting(settings.ReadSetting("scanPrompt")) == 0) {
-            RecordDuplicateAnswer(settings, dialogs_.AddingDup(Cp1252ToUtf8(name)));
-        }
         DuplicateDecision decision;
+        if (NumberSetting(settings.ReadSetting("scanPrompt")) == 0) {
+            // Escape or the close button is Cancel: this file is left out,
+            // and neither the remembered answer nor the box is touched.
+            const DuplicateDialogAnswer answer = dialogs_.AddingDup(Cp1252ToUtf8(name));
+            if (!answer.action) {
+                decision.answer = DuplicateAnswer::Skip;
+                return decision;
+            }
+            RecordDuplicateAnswer(settings, answer);
+        }
         decision.answer = StoredDuplicateAnswer(settings);
         if (decision.answer == DuplicateAnswer::RenameOld) {
+            const std::string before = editor_.table()[row].name;
             RenameRequest request;
             request.row = row;
             request.currentName = Cp1252ToUtf8(editor_.table()[row].name);
@@ -72,11 +80,21 @@ DecideDuplicate EntryCommands::DuplicateDecider() {
                 return DoRename(row, typed);
             };
             dialogs_.RenameAItem(request);
+            // Renaming the old entry cancelled: adding now would put a
+            // second entry of the same name beside it.
+            if (row < editor_.table().size() && editor_.table()[row].name == before) {
+                decision.answer = DuplicateAnswer::Skip;
+            }
         } else if (decision.answer == DuplicateAnswer::RenameNew) {
             const auto typed =
                 editor_.desktop().InputBox(editor_.text("reTrouble1") + " " + Cp1252ToUtf8(name),
                                            editor_.text("reTrouble2"), "");
-            const auto converted = Utf8ToCp1252(typed.value_or(""));
+            if (!typed) {
+                // Cancelled: no name to add it under, so it is not added.
+                decision.answer = DuplicateAnswer::Skip;
+                return decision;
+            }
+            const auto converted = Utf8ToCp1252(*typed);
             if (converted) {
                 decision.newName = *converted;
             } else {

@@ -45,8 +45,21 @@ void EntryCommands::RenameSelectedWithDialog() {
     request.row = row;
     request.currentName = Cp1252ToUtf8(editor_.table()[row].name);
     request.modal = false;
-    request.doRename = [this, row](const std::string& typed) { return DoRename(row, typed); };
+    // The dialog stays open while the list changes under it: Ok renames the
+    // entry it was opened for, wherever that stands by then.
+    request.doRename = [this, entry = editor_.table().refOf(row)](const std::string& typed) {
+        return DoRenameEntry(entry, typed);
+    };
     dialogs_.RenameAItem(request);
+}
+
+bool EntryCommands::DoRenameEntry(const EntryRef& entry, const std::string& typed) {
+    const auto row = editor_.table().rowOf(entry);
+    if (!row) {
+        editor_.desktop().ShowMessage(editor_.text("renGone"), "", MessageIcon::Information);
+        return true;
+    }
+    return DoRename(*row, typed);
 }
 
 bool EntryCommands::DoRename(std::size_t row, const std::string& typed) {

@@ -25,8 +25,8 @@ struct RenameRequest {
 };
 
 // The duplicate dialog's answer: the chosen action (nothing when it was
-// closed by its frame, which keeps the stored one) and its "don't prompt
-// again" box.
+// cancelled by Escape or its frame: that file is then left out and nothing
+// is remembered) and its "don't prompt again" box.
 struct DuplicateDialogAnswer {
     std::optional<DuplicateAnswer> action;
     bool dontPrompt = false;

@@ -48,6 +48,9 @@ std::vector<FoundInFile> RunFileSearch(Editor& editor, const std::string& text, 
     std::size_t named = 0;
     const FileSearchOutput output{[&](FoundInFile f) {
                                       if (found.size() < FoundRowsKept) {
+                                          // The table does not change while
+                                          // the search reads it.
+                                          f.entry = editor.table().refOf(f.row - 1);
                                           found.push_back(std::move(f));
                                       }
                                   },
@@ -129,6 +132,18 @@ std::vector<FoundInFile> SearchCollisionModels(Editor& editor, const std::string
         editor, text, [&](const FileSearchOutput& output, const SearchProgress& progress) {
             return FindCollisionModels(editor.archive(), TempsFolder(), text, output, progress);
         });
+}
+
+std::optional<std::size_t> SelectResultEntries(Editor& editor,
+                                               const std::vector<EntryRef>& entries) {
+    const FoundSelection selection = SelectFoundEntries(editor.table(), entries);
+    if (selection.stale) {
+        editor.desktop().ShowMessage(editor.text("resStale"), "", MessageIcon::Information);
+    } else if (selection.gone != 0) {
+        editor.desktop().ShowMessage(editor.text("resGone") + " " + std::to_string(selection.gone),
+                                     "", MessageIcon::Information);
+    }
+    return selection.last;
 }
 
 void SaveFoundEntries(Editor& editor, const std::optional<std::vector<FoundEntry>>& found) {

@@ -5,6 +5,7 @@
 
 #include "search/FindInArchive.h"
 #include "search/FindInFiles.h"
+#include "search/Results.h"
 #include "window/Editor.h"
 
 #include <cstddef>
@@ -30,6 +31,14 @@ std::vector<FoundEntry> SearchArchive(Editor& editor, const std::string& text,
 // there were, and another names the entries that could not be read.
 std::vector<FoundInFile> SearchTextures(Editor& editor, const std::string& text);
 std::vector<FoundInFile> SearchCollisionModels(Editor& editor, const std::string& text);
+
+// Selects the entries the chosen results name in the main list (the find
+// windows' and the show-me lists' highlight). Results of another reading of
+// the archive select nothing, and results whose entry was deleted since are
+// skipped; a message says which happened. Returns the row to scroll to,
+// nothing when no entry was selected (the window then runs no command).
+std::optional<std::size_t> SelectResultEntries(Editor& editor,
+                                               const std::vector<EntryRef>& entries);
 
 // Save results: the names (archive search) or "name  --  entry" lines (find
 // in files, which asks before replacing a file). `found` is nothing before

@@ -148,7 +148,10 @@ void MainCommands::SwitchLanguage(int slot) {
     menu.setChecked(slotName, true);
     list_.ClearColumnHeaders();
     AddListColumnHeaders();
-    editor_.ReloadArchive();
+    // A closed archive stays closed: reloading would open the last one again.
+    if (editor_.isOpen()) {
+        editor_.ReloadArchive();
+    }
     editor_.desktop().SetStatus(editor_.settings().ReadSetting("language") + " " + text("sd5"));
 }
 
@@ -158,8 +161,11 @@ void MainCommands::Sort(EntryTable::Order order) {
     editor_.menu().setChecked("SortOffset", !byName);
     editor_.settings().WriteSetting(byName ? "name" : "offset", "sort");
     editor_.table().setOrder(order);
-    editor_.ReloadArchive();
-    editor_.FindHighestOffset();
+    // A closed archive stays closed: reloading would open the last one again.
+    if (editor_.isOpen()) {
+        editor_.ReloadArchive();
+        editor_.FindHighestOffset();
+    }
     editor_.desktop().SetStatus(text(byName ? "sort1" : "sort2"));
 }
 

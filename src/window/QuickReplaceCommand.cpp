@@ -77,10 +77,15 @@ QuickReplaceCounts QuickReplace::ReplaceSelectedFromFolder(const std::string& fo
         }
     }
     const auto ask = [&](const std::string& name, std::size_t row, const std::string& in) {
-        if (const auto answer = dialogs_.QrMissing(Cp1252ToUtf8(name), in)) {
-            RecordMissingFileOption(settings, *answer);
-        }
         MissingFileAnswer answer;
+        const auto chosen = dialogs_.QrMissing(Cp1252ToUtf8(name), in);
+        if (!chosen) {
+            // Escape or the close button: nothing of this entry is replaced
+            // and the stored choice is neither applied nor changed.
+            answer.choice = MissingFileAnswer::Choice::Skip;
+            return answer;
+        }
+        RecordMissingFileOption(settings, *chosen);
         const auto option = StoredMissingFileOption(settings);
         if (!option) {
             answer.choice = MissingFileAnswer::Choice::Nothing;

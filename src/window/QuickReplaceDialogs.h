@@ -16,7 +16,7 @@ public:
     virtual ~QuickReplaceDialogs() = default;
     // Shows `qrMissing` modally with the entry's name and the folder it was
     // looked for in. Returns the option chosen with Ok, nothing when it was
-    // closed any other way (the stored choice then stands).
+    // closed any other way (Cancel: that entry is skipped, nothing stored).
     virtual std::optional<MissingFileOption> QrMissing(const std::string& entryName,
                                                        const std::string& folder) = 0;
 };

@@ -1,11 +1,9 @@
 #include "window/ShowMe.h"
 
 #include "platform/TextFile.h"
-#include "search/Results.h"
 #include "window/SaveLines.h"
 
 #include <algorithm>
-#include <iterator>
 
 namespace korvel {
 
@@ -20,7 +18,7 @@ std::optional<ShowMeList> BuildShowMeList(const Editor& editor, std::string_view
     for (std::size_t row = 0; row < table.size(); ++row) {
         const std::string& name = table[row].name;
         if (IsNameOfKind(family->kind, name)) {
-            list.rows.push_back({name, row + 1, IconKey(IconKindOfName(name))});
+            list.rows.push_back({name, row + 1, IconKey(IconKindOfName(name)), table.refOf(row)});
         }
     }
     list.title = " " + editor.text(family->titleKey) + std::to_string(list.rows.size()) + "]";
@@ -45,16 +43,6 @@ bool SaveShowMeList(Editor& editor, const ShowMeList& list) {
                                false, [&](const std::filesystem::path& path) {
                                    return WriteLines(path, ShowMeLines(editor, list));
                                }) == SaveOutcome::Saved;
-}
-
-std::optional<std::size_t> HighlightShowMeRows(EntryTable& table,
-                                               const std::vector<std::size_t>& numbers) {
-    // Numbers past the end (the table shrank since the list was filled) are
-    // skipped, whatever order the window hands them in.
-    std::vector<std::size_t> inRange;
-    std::copy_if(numbers.begin(), numbers.end(), std::back_inserter(inRange),
-                 [&](std::size_t n) { return n >= 1 && n <= table.size(); });
-    return SelectFoundRows(table, inRange);
 }
 
 } // namespace korvel

@@ -1,6 +1,7 @@
 // The show-me lists (`showTheseFiles`): the entries of one kind with their
-// row numbers in the main list, taken when the list is filled. The window
-// shows what ShowMeList gives and saves what ShowMeLines gives.
+// row numbers in the main list, taken when the list is filled, and the
+// entries themselves, which highlighting selects (SelectResultEntries). The
+// window shows what ShowMeList gives and saves what ShowMeLines gives.
 #pragma once
 
 #include "window/Editor.h"
@@ -31,8 +32,9 @@ inline constexpr std::array<ShowMeFamily, 5> ShowMeFamilies = {{
 
 struct ShowMeRow {
     std::string name;      // raw Windows-1252 bytes
-    std::size_t number;    // 1-based row of the main list
+    std::size_t number;    // 1-based row of the main list when the list was filled
     std::string_view icon; // "blue", "orange", "green", "grey" or "none"
+    EntryRef entry;
 };
 
 struct ShowMeList {
@@ -52,11 +54,5 @@ std::vector<std::string> ShowMeLines(const Editor& editor, const ShowMeList& lis
 // saveList: asks for a file and writes the lines, each ended by CR LF.
 // Returns true when a file was written.
 bool SaveShowMeList(Editor& editor, const ShowMeList& list);
-
-// Highlighting: clears the main list's selection and selects the rows with
-// the given 1-based numbers; numbers past the end of the table are skipped.
-// Returns the 0-based row to scroll to, when any was selected.
-std::optional<std::size_t> HighlightShowMeRows(EntryTable& table,
-                                               const std::vector<std::size_t>& numbers);
 
 } // namespace korvel

@@ -115,6 +115,30 @@ TEST_F(EntryVerbs, RefusalsSayWhyInOneLine) {
     EXPECT_TRUE(fs::exists(folder / "new" / "ok.dff"));
 }
 
+TEST_F(EntryVerbs, ExtractWritesOverAnExistingFileOnlyWhenTold) {
+    const std::string img = make("a.img"), out = (folder / "kept").string();
+    const std::string skipped = "korvel-cli: skipped " + out + "/wheel.dff: the file exists";
+    fs::create_directories(out);
+    const struct {
+        std::vector<std::string> flags;
+        std::string said; // exit code and stderr
+    } cases[] = {
+        {{}, "1" + skipped + " (--overwrite writes over it)\n"},
+        {{"--no-overwrite"}, "0" + skipped + "\n"},
+        {{"--overwrite"}, "0"},
+        {{"--overwrite", "--no-overwrite"},
+         "2korvel-cli: --overwrite and --no-overwrite cannot both be given\n"},
+    };
+    for (const auto& [flags, said] : cases) {
+        WriteBytes(folder / "kept" / "wheel.dff", "mine");
+        std::vector<std::string> args{"extract", img, out, "wheel.dff"};
+        args.insert(args.end(), flags.begin(), flags.end());
+        const auto result = RunCli(args);
+        EXPECT_EQ(std::to_string(result.exitCode) + result.err, said);
+        EXPECT_EQ(ReadBytes(folder / "kept" / "wheel.dff") != "mine", said == "0");
+    }
+}
+
 TEST_F(EntryVerbs, KillingARebuildAtAnyMomentLeavesAWholeArchive) {
     const std::string img = make("crash\n.img"), old = pair(img);
     ASSERT_EQ(RunCli({"rebuild", img}).exitCode, 0);

@@ -69,15 +69,20 @@ TEST_F(Add, TheFourAnswersToADuplicate) {
         const char* answer;
         std::vector<std::string> extra; // input box or rename dialog answers
         std::vector<DirRecord> expected;
+        const char* stored = nullptr; // addingOpt afterwards, when not the answer
     };
     const Case cases[] = {
         {"skip", {}, {{0, 1, "CAR.DFF"}, {1, 1, "bus.dff"}}},
         {"replace", {}, {{0, 1, "CAR.DFF"}, {1, 1, "bus.dff"}}},
         {"renameNew", {"car2.dff"}, {{0, 1, "CAR.DFF"}, {1, 1, "bus.dff"}, {2, 1, "car2.dff"}}},
         {"renameOld", {"old.dff"}, {{0, 1, "old.dff"}, {1, 1, "bus.dff"}, {2, 1, "car.dff"}}},
+        {"<close>", {}, {{0, 1, "CAR.DFF"}, {1, 1, "bus.dff"}}, "replace"}, // Escape: left out
+        {"renameNew", {Cancel}, {{0, 1, "CAR.DFF"}, {1, 1, "bus.dff"}}},
+        {"renameOld", {Cancel}, {{0, 1, "CAR.DFF"}, {1, 1, "bus.dff"}}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.answer);
+        settings.WriteSetting("replace", "addingOpt");
         open({{0, 1, "CAR.DFF"}, {1, 1, "bus.dff"}}, 2 * SectorSize);
         dialogs.shown.clear();
         dialogs.duplicateAnswers = {c.answer};
@@ -91,7 +96,7 @@ TEST_F(Add, TheFourAnswersToADuplicate) {
 
         ASSERT_FALSE(dialogs.shown.empty());
         EXPECT_EQ(dialogs.shown.front(), "addingDup car.dff -> " + std::string(c.answer));
-        EXPECT_EQ(settings.ReadSetting("addingOpt"), c.answer);
+        EXPECT_EQ(settings.ReadSetting("addingOpt"), c.stored ? c.stored : c.answer);
         EXPECT_EQ(tableRecords(), c.expected);
         EXPECT_EQ(records(), c.expected);
         const bool replaced = std::string(c.answer) == "replace";
@@ -100,7 +105,8 @@ TEST_F(Add, TheFourAnswersToADuplicate) {
             // The input box names the conflicting file.
             EXPECT_EQ(desktop.said("input"),
                       (std::vector<std::string>{"input " + text("reTrouble2") + ": " +
-                                                text("reTrouble1") + " car.dff [] -> car2.dff"}));
+                                                text("reTrouble1") + " car.dff [] -> " +
+                                                c.extra.front()}));
         }
     }
 }

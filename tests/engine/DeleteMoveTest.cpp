@@ -16,7 +16,7 @@ TEST_F(DeleteMove, TheConfirmationDecidesAndDeletingKeepsTheData) {
     desktop.answer({"no"});
     commands.DeleteSelectedAsking();
     EXPECT_EQ(desktop.said("ask"),
-              (std::vector<std::string>{"ask " + text("del3") + ": " + text("del1") + " 2 " +
+              (std::vector<std::string>{"ask !" + text("del3") + ": " + text("del1") + " 2 " +
                                         text("del2") + " -> no"}));
     EXPECT_EQ(dirBytes(), dir0);
     EXPECT_EQ(settings.ReadSetting("archiveState"), "peachy");
@@ -72,7 +72,7 @@ TEST_F(DeleteMove, MovingKeepsPlacementAndChangesOnlyTheOrder) {
                   {0, 1, "r1"}, {2, 1, "r3"}, {4, 1, "r5"}, {1, 1, "r2"}, {3, 1, "r4"}}));
     EXPECT_EQ(records(), tableRecords());
     EXPECT_EQ(imgBytes(), img0);
-    EXPECT_EQ(selected(), (std::vector<std::size_t>{3}));
+    EXPECT_EQ(selected(), (std::vector<std::size_t>{3, 4})); // the moved ones, nothing else
     EXPECT_EQ(desktop.status, "2 " + text("move3"));
     EXPECT_EQ(settings.ReadSetting("archiveState"), "shit");
 

@@ -230,7 +230,7 @@ TEST_F(EditorTest, FileNewCreatesAnEmptyPairAndAsksBeforeReplacing) {
         EXPECT_EQ(desktop.stats, text("stats1") + " 0");
         EXPECT_EQ(recent()[0], img.string());
     }
-    EXPECT_EQ(desktop.said("ask")[0], "ask " + text("fe3") + ": " + text("fe1") + " " +
+    EXPECT_EQ(desktop.said("ask")[0], "ask !" + text("fe3") + ": " + text("fe1") + " " +
                                           path("full.img") + "\n" + path("full.dir") + "\n" +
                                           text("fe2") + " -> no");
 }

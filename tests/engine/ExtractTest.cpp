@@ -40,6 +40,7 @@ TEST_F(Extract, OnlyTheSectorsTheDataFileHoldsAreWrittenAndTheRestIsNamed) {
     WriteBytes(folder / "out" / "tail.dff", std::string(5 * SectorSize, 'x'));
     settings.WriteSetting((folder / "out").string(), "lastExtract");
     select({0});
+    desktop.answer({"yes"}); // write over the file that is there
 
     EXPECT_EQ(commands.ExtractSelectedToLastFolder(), 0u);
 
@@ -52,6 +53,30 @@ TEST_F(Extract, OnlyTheSectorsTheDataFileHoldsAreWrittenAndTheRestIsNamed) {
     EXPECT_NE(messages[0].find("\"tail.dff\" reaches past the end of the data file: " +
                                std::to_string((0xFFFFFFFFull - 1) * SectorSize) + " bytes"),
               std::string::npos);
+}
+
+TEST_F(Extract, AnExistingFileIsWrittenOverOnlyWhenThePersonSaysSo) {
+    const std::tuple<std::vector<std::string>, std::string, std::size_t> cases[] = {
+        {{"yes", "no", "yes"}, "ac", 1},
+        {{"no", "all"}, "bc", 1},
+        {{"yes", Cancel}, "a", 2}, // Cancel stops: c is not asked about
+    };
+    for (const auto& [answers, written, notWritten] : cases) {
+        open({{0, 1, "a.dff"}, {1, 1, "b.dff"}, {2, 1, "c.dff"}}, 3 * SectorSize);
+        fs::create_directories(folder / "out");
+        for (const char* name : {"a.dff", "b.dff", "c.dff"})
+            WriteBytes(folder / "out" / name, "mine");
+        settings.WriteSetting((folder / "out").string(), "lastExtract");
+        editor.table().selectAll();
+        desktop.answers = {answers.begin(), answers.end()};
+        EXPECT_EQ(commands.ExtractSelectedToLastFolder(), notWritten);
+        std::string got;
+        for (const std::string name : {"a", "b", "c"})
+            got += ReadBytes(folder / "out" / (name + ".dff")) == "mine" ? "" : name;
+        EXPECT_EQ(got, written);
+        EXPECT_EQ(desktop.status, std::to_string(3 - notWritten) + " " + text("ovw3") + ", " +
+                                      std::to_string(notWritten) + " " + text("filesSkip"));
+    }
 }
 
 TEST_F(Extract, QuickWithoutAFolderAndACancelledDialog) {

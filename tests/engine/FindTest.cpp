@@ -3,7 +3,6 @@
 #include "EditorHarness.h"
 #include "EntryBytes.h"
 #include "platform/Folders.h"
-#include "search/Results.h"
 #include "window/FindCommands.h"
 
 #include <gtest/gtest.h>
@@ -77,16 +76,6 @@ TEST_F(FindTest, FindsNamesByTextAndKindIgnoringCase) {
     };
     for (const auto& c : cases)
         EXPECT_EQ(Listed(FindEntries(editor.table(), c.text, c.kind)), c.rows) << c.text;
-}
-
-TEST_F(FindTest, SelectingFoundRowsStopsAtAStaleNumber) {
-    openEntries({{"1", "x"}, {"2", "x"}, {"3", "x"}, {"4", "x"}, {"5", "x"}});
-    editor.table().setSelected(0, true);
-    EXPECT_EQ(SelectFoundRows(editor.table(), {2, 4}), 3u);
-    EXPECT_EQ(editor.table().selectedCount(), 2u);
-    EXPECT_EQ(SelectFoundRows(editor.table(), {3, 6, 1}), 2u);
-    EXPECT_EQ(editor.table().selectedCount(), 1u);
-    EXPECT_TRUE(editor.table()[2].selected);
 }
 
 TEST_F(FindTest, FindsTexturesWithCaseAndCollisionModelsThroughCopies) {

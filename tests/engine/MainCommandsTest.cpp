@@ -183,9 +183,7 @@ TEST_F(MainFixture, StripesStayUntilTheNextStartAndBadColoursPaintNone) {
 
 TEST_F(MainFixture, SortingReloadsInTheOrderAskedFor) {
     quietSettings();
-    // Nothing open: sorting reopens the most recent archive.
-    settings.WriteSetting(archive("order.img", {"b.dff", "a.txd", "c.ifp"}), "recent1");
-    editor.LoadRecentMenu();
+    ASSERT_TRUE(editor.OpenArchive(archive("order.img", {"b.dff", "a.txd", "c.ifp"})));
     commands.SortByName();
     EXPECT_EQ(rowNames(), (std::vector<std::string>{"a.txd", "b.dff", "c.ifp"}));
     EXPECT_EQ(settings.ReadSetting("sort"), "name");
@@ -222,7 +220,7 @@ TEST_F(MainFixture, SelectionByTypeSelectsOnlyThatKindAndSaysHowMany) {
     EXPECT_EQ(editor.table().selectedCount(), 0u);
 }
 
-TEST_F(MainFixture, SwitchingLanguageRelabelsReloadsAndSaysSo) {
+TEST_F(MainFixture, SwitchingLanguageRelabelsAndSaysSo) {
     quietSettings();
     const std::string path = archive("lang.img", {"a.dff"});
     settings.WriteSetting(path, "recent1");
@@ -234,9 +232,9 @@ TEST_F(MainFixture, SwitchingLanguageRelabelsReloadsAndSaysSo) {
     EXPECT_TRUE(editor.menu().isChecked("lang3"));
     EXPECT_FALSE(editor.menu().isChecked("lang1"));
     EXPECT_EQ(list.headers.front(), text("head1"));
-    // Nothing was open: the reload opened the most recent archive.
-    EXPECT_EQ(editor.dataPath(), path);
     EXPECT_EQ(desktop.status, "deutsch " + text("sd5"));
+    commands.SortByName();
+    EXPECT_FALSE(editor.isOpen()); // neither reopened the most recent archive
 }
 
 } // namespace

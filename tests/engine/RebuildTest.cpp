@@ -48,7 +48,7 @@ TEST_F(Rebuild, TheConfirmationAndTheOfferOnClosing) {
     desktop.answer({"no"});
     commands.RebuildAsking();
     EXPECT_EQ(desktop.said("ask"),
-              (std::vector<std::string>{"ask " + text("menuc9") + "?: " + text("rebuild1") +
+              (std::vector<std::string>{"ask !" + text("menuc9") + "?: " + text("rebuild1") +
                                         "\r\n" + text("rebuild2") + " -> no"}));
     EXPECT_EQ(imgBytes(), img0);
     EXPECT_EQ(dirBytes(), dir0);

@@ -1,5 +1,8 @@
 #include "window/ShowMe.h"
 #include "EntryFixture.h"
+#include "window/FindCommands.h"
+
+#include <algorithm>
 
 namespace korvel::test {
 namespace {
@@ -53,13 +56,45 @@ TEST_F(ShowMe, SavedListIsTheNamesOrThePlaceholderWithCrLf) {
     EXPECT_EQ(ReadBytes(saved), text("sd2") + "\r\n");
 }
 
-TEST_F(ShowMe, HighlightSelectsOnlyTheListedRowsAndSkipsVanishedOnes) {
-    open({{0, 1, "a"}, {1, 1, "b"}, {2, 1, "c"}, {3, 1, "d"}}, 4 * SectorSize);
-    select({0, 1});
-    EXPECT_EQ(HighlightShowMeRows(editor.table(), {4, 9, 3}), 2u);
-    EXPECT_EQ(selected(), (std::vector<std::size_t>{2, 3}));
-    EXPECT_EQ(HighlightShowMeRows(editor.table(), {7}), std::nullopt);
-    EXPECT_TRUE(selected().empty());
+TEST_F(ShowMe, ResultsAndTheRenameDialogKeepToTheirOwnEntries) {
+    settings.WriteSetting("False", "deleteProm");
+    const std::string gone = text("resGone") + " 1";
+    // Change to e b c d a; what results for b, d select and say; b renamed by its dialog?
+    const std::tuple<std::function<void()>, std::vector<std::string>, std::string, bool> cases[] = {
+        {[&] { select({0}), commands.DeleteSelectedAsking(); }, {"b.dff", "d.dff"}, "", true},
+        {[&] { select({1}), commands.DeleteSelectedAsking(); }, {"d.dff"}, gone, false},
+        {[&] { select({1}), commands.MoveSelectedToEnd(); }, {"d.dff", "b.dff"}, "", true},
+        {[&] { editor.table().setOrder(EntryTable::Order::Name); }, {"b.dff", "d.dff"}, "", true},
+        {[&] { (void)commands.DoRename(3, "0.dff"); }, {"b.dff", "0.dff"}, "", true},
+        {[&] { editor.ReloadArchive(); }, {"b.dff", "d.dff"}, "", true}, // the Sort menu's
+        {[&] { editor.OpenArchive(img()); }, {}, text("resStale"), false},
+        {[&] { editor.CloseArchive(); }, {}, text("resStale"), false},
+    };
+    for (const auto& [change, chosen, says, renamed] : cases) {
+        SCOPED_TRACE(says + (chosen.empty() ? "" : chosen.back()));
+        editor.table().setOrder(EntryTable::Order::Index);
+        open({{0, 1, "e.dff"}, {1, 1, "b.dff"}, {2, 1, "c.txd"}, {3, 1, "d.dff"}, {4, 1, "a.txd"}},
+             5 * SectorSize);
+        const auto list = BuildShowMeList(editor, "ShowMeModels");
+        const std::vector<EntryRef> found{list->rows[1].entry, list->rows[2].entry};
+        (void)SelectResultEntries(editor, found); // a lookup made before the change
+        select({1});
+        dialogs.renameAnswers = {"<later>"};
+        commands.RenameSelectedWithDialog();
+        change();
+        desktop.conversation.clear();
+        (void)SelectResultEntries(editor, found);
+        std::vector<std::string> picked;
+        for (std::size_t row : selected())
+            picked.push_back(editor.table()[row].name);
+        EXPECT_EQ(picked, chosen);
+        EXPECT_TRUE(dialogs.openRename.doRename("z.dff")); // Ok closes it either way
+        EXPECT_EQ(std::ranges::count(names(), "z.dff"), renamed ? 1 : 0);
+        std::string said;
+        for (const std::string& message : desktop.said("message"))
+            said += message.substr(std::string("message(Information) : ").size());
+        EXPECT_EQ(said, says + (renamed ? "" : text("renGone")));
+    }
 }
 
 } // namespace

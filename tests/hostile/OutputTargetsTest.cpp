@@ -34,7 +34,7 @@ TEST(OutputTargets, ExtractAndReportRefuseWhatIsNotAPlainFileOfTheirOwn) {
     fs::create_directory(folder / "dir.dff");
     const std::string pair = ReadBytes(img) + ReadBytes(folder / "gta3.dir");
 
-    const auto extract = RunCli({"extract", img.string(), folder.path().string()});
+    const auto extract = RunCli({"extract", img.string(), folder.path().string(), "--overwrite"});
     EXPECT_EQ(extract.exitCode, 1);
     for (const char* name : refused) {
         EXPECT_NE(extract.err.find((folder / name).string() + " was not written"), npos) << name;

@@ -1,5 +1,6 @@
 #include "ScriptedDesktop.h"
 
+#include <algorithm>
 #include <sstream>
 #include <stdexcept>
 
@@ -39,6 +40,17 @@ bool ScriptedDesktop::AskYesNo(const std::string& text, const std::string& title
     const std::string reply = next("question " + text);
     conversation.push_back("ask " + title + ": " + text + " -> " + reply);
     return reply == "yes";
+}
+
+bool ScriptedDesktop::AskDestructive(const std::string& text, const std::string& title) {
+    return AskYesNo(text, "!" + title);
+}
+
+OverwriteAnswer ScriptedDesktop::AskOverwrite(const std::string& text, const std::string& title) {
+    const std::string reply = next("overwrite " + text);
+    conversation.push_back("overwrite " + title + ": " + text + " -> " + reply);
+    const std::string replies[] = {"yes", "all", "no"}; // OverwriteAnswer's order, then Cancel
+    return OverwriteAnswer(std::find(replies, replies + 3, reply) - replies);
 }
 
 FileDialogAnswer ScriptedDesktop::fileDialog(const char* kind, const FileDialogRequest& request) {

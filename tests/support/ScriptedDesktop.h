@@ -54,6 +54,9 @@ public:
     void SetClipboardText(const std::string& text) override;
     bool OpenWithShell(const std::string& pathOrAddress) override;
     bool ProgressCancelled() override;
+    bool AskDestructive(const std::string& text, const std::string& title) override; // "ask !title"
+    OverwriteAnswer AskOverwrite(const std::string& text, // "yes", "all", "no", "<cancel>"
+                                 const std::string& title) override;
 
 private:
     std::string next(const std::string& asking);

@@ -34,6 +34,8 @@ void ScriptedEntryDialogs::RenameAItem(const RenameRequest& request) {
         }
         const std::string typed = renameAnswers.front();
         renameAnswers.pop_front();
+        if (typed == "<later>")
+            return void(openRename = request);
         if (typed == "<cancel>") {
             shown.push_back("rename " + std::to_string(request.row + 1) + " (" + how + ") [" +
                             request.currentName + "] -> cancelled");

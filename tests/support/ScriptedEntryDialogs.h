@@ -22,6 +22,7 @@ public:
     std::deque<std::string> duplicateAnswers;
     // Texts typed into the name box, one per press of Ok; "<cancel>" closes.
     std::deque<std::string> renameAnswers;
+    RenameRequest openRename; // answered "<later>": left open to press Ok on later
     // "addingDup NAME -> ANSWER", "rename ROW (modal|modeless) [NAME] -> TYPED ok|kept open".
     std::vector<std::string> shown;
 

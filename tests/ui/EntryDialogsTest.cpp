@@ -80,7 +80,11 @@ private slots:
         w.editor().table().selectAll();
         w.entryCommands().MoveSelectedToEnd();
         auto rebuild = AnswerNextModal([](QWidget* modal) {
-            qobject_cast<QMessageBox*>(modal)->button(QMessageBox::Yes)->click();
+            auto* box = qobject_cast<QMessageBox*>(modal);
+            QVERIFY(box->icon() == QMessageBox::Warning &&
+                    box->escapeButton() == box->button(QMessageBox::No));
+            QCOMPARE(box->defaultButton(), box->button(QMessageBox::No));
+            box->button(QMessageBox::Yes)->click();
         });
         w.close();
         QVERIFY(*rebuild);
@@ -109,7 +113,7 @@ private slots:
                     Child<QCheckBox>(dialog, "dontPrompt")->click();
                 }
                 if (option.isEmpty()) {
-                    return qobject_cast<QDialog*>(dialog)->reject();
+                    return QTest::keyClick(dialog, Qt::Key_Escape);
                 }
                 dialog->findChild<QRadioButton*>(option)->click();
                 // Renaming the old entry asks with the rename dialog, the new one with a line.

@@ -171,6 +171,8 @@ void ToolWindowsTest::listWindowsActOnTheMainList() {
             Click(window, c.items[i]);
         QVERIFY(env->ran.isEmpty() && window->isVisible());
         QCOMPARE(env->selectedRows().size(), static_cast<qsizetype>(w->editor().table().size()));
+        w->editor().OpenArchive(std::string(w->editor().dataPath()));
+        QCOMPARE(list->topLevelItemCount(), 0);
         window->close();
     }
 }
