@@ -18,7 +18,17 @@ public:
     EntryViewProxy(const EntryTable& table, const EntryModel& model, QObject* parent)
         : QSortFilterProxyModel(parent), table_(table), model_(model) {}
 
-    void refilter() { invalidateFilter(); }
+    // All at once: with names in no order a filter hides thousands of runs
+    // of rows, and telling the view of each run apart costs far more.
+    void refilter() {
+        keepUpWhileNeeded(sortColumn());
+        invalidate();
+    }
+
+    void sort(int column, Qt::SortOrder order) override {
+        keepUpWhileNeeded(column);
+        QSortFilterProxyModel::sort(column, order);
+    }
 
 protected:
     bool filterAcceptsRow(int sourceRow, const QModelIndex&) const override {
@@ -45,6 +55,13 @@ protected:
     }
 
 private:
+    // Re-filtering and re-sorting as rows change is only needed while the
+    // view filters or sorts; otherwise every selection change would cost a
+    // pass over the rows.
+    void keepUpWhileNeeded(int sortColumn) {
+        setDynamicSortFilter(sortColumn >= 0 || table_.filtering());
+    }
+
     const EntryTable& table_;
     const EntryModel& model_;
 };
@@ -56,6 +73,7 @@ EntryModel::EntryModel(EntryTable& table, std::function<QString()> placeholderTe
     table_.addObserver(this);
     recount();
     auto* proxy = new EntryViewProxy(table_, *this, this);
+    proxy->setDynamicSortFilter(false);
     proxy->setSourceModel(this);
     proxy_ = proxy;
 }
@@ -256,15 +274,19 @@ void EntryModel::tableReset() {
 
 template <typename Wanted>
 QItemSelection EntryModel::viewRanges(std::size_t first, std::size_t last, Wanted wanted) const {
+    // Unsorted and unfiltered, a table row is the view's row.
+    const bool sameRows = proxy_->sortColumn() < 0 && !table_.filtering();
     std::vector<int> rows;
     for (std::size_t row = first; row <= last; ++row) {
-        if (wanted(row)) {
-            if (const std::optional<int> shown = viewRow(row)) {
-                rows.push_back(*shown);
-            }
+        if (!wanted(row)) {
+            continue;
+        }
+        if (sameRows) {
+            rows.push_back(static_cast<int>(row));
+        } else if (const std::optional<int> shown = viewRow(row)) {
+            rows.push_back(*shown);
         }
     }
-    // Unsorted and unfiltered, the rows come in order and this costs nothing.
     if (!std::is_sorted(rows.begin(), rows.end())) {
         std::sort(rows.begin(), rows.end());
     }
