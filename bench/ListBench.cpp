@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QLineEdit>
 
 #include <cstdio>
 #include <cstdlib>
@@ -73,12 +74,23 @@ int main(int argc, char** argv) {
 
         const int rounds = 5;
         double open = 0, sortName = 0, sortIndex = 0, selectAll = 0, selectType = 0;
+        double filterTyping = 0, filterClear = 0, headerSort = 0;
         for (int round = 0; round < rounds; ++round) {
             open += Measure(window, [&] { window.editor().OpenArchive(archive); });
             sortName += Measure(window, [&] { window.runCommand("SortName"); });
             selectAll += Measure(window, [&] { window.runCommand("EditSelect"); });
             selectType += Measure(window, [&] { window.runCommand("SelectModels"); });
             sortIndex += Measure(window, [&] { window.runCommand("SortOffset"); });
+            // Typed a letter at a time, each one filtering the whole list.
+            filterTyping += Measure(window, [&] {
+                for (const QString typed : {"a", "a*", "a*b", "a*b?", "a*b?.d"}) {
+                    window.filterBox()->setText(typed);
+                    QApplication::processEvents();
+                }
+            });
+            filterClear += Measure(window, [&] { window.filterBox()->clear(); });
+            headerSort += Measure(window, [&] { window.archiveView()->model()->sort(2); });
+            window.archiveView()->clearHeaderSort();
         }
         const auto rows = window.editor().table().size();
         std::printf("rows: %zu (mean of %d rounds, milliseconds)\n", rows, rounds);
@@ -87,6 +99,9 @@ int main(int argc, char** argv) {
         std::printf("sort by index (with reload): %8.2f\n", sortIndex / rounds);
         std::printf("select all (F8)            : %8.2f\n", selectAll / rounds);
         std::printf("select model files         : %8.2f\n", selectType / rounds);
+        std::printf("filter, 5 keystrokes       : %8.2f\n", filterTyping / rounds);
+        std::printf("clear the filter           : %8.2f\n", filterClear / rounds);
+        std::printf("header sort by size        : %8.2f\n", headerSort / rounds);
         result = rows == korvel::MaxRecords ? 0 : 1;
     }
     std::error_code ec;

@@ -69,6 +69,11 @@ void EntryTable::assign(std::vector<Entry> rows) {
         }
     }
     rowsMoved();
+    heldCount_ = 0;
+    for (std::size_t row = 0; row < rows_.size(); ++row) {
+        rows_[row].heldSelection = false;
+        holdIfHidden(row);
+    }
     if (order_ == Order::Name) {
         std::stable_sort(rows_.begin(), rows_.end(),
                          [](const Entry& a, const Entry& b) { return NameLess(a.name, b.name); });
@@ -82,6 +87,7 @@ void EntryTable::clear() {
     rows_.clear();
     ++generation_;
     rowsMoved();
+    heldCount_ = 0;
     notifyReset();
 }
 
@@ -103,12 +109,19 @@ std::size_t EntryTable::insertRow(Entry entry) {
     rowsMoved();
     const std::size_t row = order_ == Order::Name ? sortedPosition(entry.name) : rows_.size();
     rows_.insert(rows_.begin() + static_cast<std::ptrdiff_t>(row), std::move(entry));
+    if (rows_[row].heldSelection) {
+        ++heldCount_;
+    }
+    holdIfHidden(row);
     notifyInserted(row, 1);
     return row;
 }
 
 void EntryTable::remove(std::size_t row) {
     rowsMoved();
+    if (rows_[row].heldSelection) {
+        --heldCount_;
+    }
     rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(row));
     notifyRemoved(row, 1);
 }
@@ -124,6 +137,7 @@ void EntryTable::removeWhere(const std::vector<bool>& doomed) {
         const std::size_t last = row;
         while (row > 0 && doomed[row - 1]) {
             --row;
+            heldCount_ -= rows_[row].heldSelection ? 1 : 0;
         }
         rowsMoved();
         rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(row),
@@ -135,6 +149,7 @@ void EntryTable::removeWhere(const std::vector<bool>& doomed) {
 void EntryTable::setName(std::size_t row, std::string name) {
     if (order_ != Order::Name) {
         rows_[row].name = std::move(name);
+        holdIfHidden(row);
         notifyChanged(row, row);
         return;
     }
@@ -177,6 +192,10 @@ void EntryTable::refreshAll() {
 }
 
 void EntryTable::setSelected(std::size_t row, bool selected) {
+    forgetHeldSelection();
+    if (selected && !shown(row)) {
+        return;
+    }
     if (rows_[row].selected != selected) {
         rows_[row].selected = selected;
         notifyChanged(row, row);
@@ -184,8 +203,9 @@ void EntryTable::setSelected(std::size_t row, bool selected) {
 }
 
 void EntryTable::selectAll() {
-    for (Entry& row : rows_) {
-        row.selected = true;
+    forgetHeldSelection();
+    for (std::size_t row = 0; row < rows_.size(); ++row) {
+        rows_[row].selected = shown(row);
     }
     if (!rows_.empty()) {
         notifyChanged(0, rows_.size() - 1);
@@ -193,6 +213,7 @@ void EntryTable::selectAll() {
 }
 
 void EntryTable::clearSelection() {
+    forgetHeldSelection();
     for (Entry& row : rows_) {
         row.selected = false;
     }
@@ -202,8 +223,9 @@ void EntryTable::clearSelection() {
 }
 
 void EntryTable::setSelection(const std::vector<bool>& selected) {
+    forgetHeldSelection();
     for (std::size_t row = 0; row < rows_.size(); ++row) {
-        rows_[row].selected = row < selected.size() && selected[row];
+        rows_[row].selected = row < selected.size() && selected[row] && shown(row);
     }
     if (!rows_.empty()) {
         notifyChanged(0, rows_.size() - 1);
@@ -260,6 +282,56 @@ void EntryTable::notifyChanged(std::size_t first, std::size_t last) {
 void EntryTable::notifyReset() {
     for (auto* o : observers_)
         o->tableReset();
+}
+
+void EntryTable::setFilter(NameFilter filter) {
+    filter_ = std::move(filter);
+    bool changed = false;
+    for (std::size_t row = 0; row < rows_.size(); ++row) {
+        Entry& entry = rows_[row];
+        if (entry.heldSelection && shown(row)) {
+            entry.heldSelection = false;
+            entry.selected = true;
+            --heldCount_;
+            changed = true;
+        } else {
+            changed = changed || (entry.selected && !shown(row));
+            holdIfHidden(row);
+        }
+    }
+    if (changed) {
+        notifyChanged(0, rows_.size() - 1);
+    }
+}
+
+std::size_t EntryTable::shownCount() const {
+    if (filter_.showsAll()) {
+        return rows_.size();
+    }
+    std::size_t count = 0;
+    for (const Entry& entry : rows_) {
+        count += filter_.matches(entry.name) ? 1 : 0;
+    }
+    return count;
+}
+
+void EntryTable::holdIfHidden(std::size_t row) {
+    Entry& entry = rows_[row];
+    if (entry.selected && !shown(row)) {
+        entry.selected = false;
+        entry.heldSelection = true;
+        ++heldCount_;
+    }
+}
+
+void EntryTable::forgetHeldSelection() {
+    if (heldCount_ == 0) {
+        return;
+    }
+    for (Entry& entry : rows_) {
+        entry.heldSelection = false;
+    }
+    heldCount_ = 0;
 }
 
 } // namespace korvel

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "archive/Format.h"
+#include "archive/NameFilter.h"
 #include "archive/Names.h"
 
 #include <cstdint>
@@ -34,6 +35,9 @@ struct Entry {
     // Given by the table; 0 for a row that was never in it. A row taken out
     // and put back (moved, restored after a failed write) keeps its id.
     std::uint64_t id = 0;
+    // Selected when the list's filter hid it: given back when the filter
+    // shows it again, unless the selection was changed in between.
+    bool heldSelection = false;
 
     std::uint64_t byteOffset() const { return SectorToOffset(startSector); }
     std::uint64_t byteCount() const { return std::uint64_t{sizeSectors} * SectorSize; }
@@ -118,6 +122,18 @@ public:
     void setSelection(const std::vector<bool>& selected);
     std::size_t selectedCount() const;
 
+    // The list's filter. A row it hides is never selected, whoever asks
+    // (the view, select all, select by type, a find result), so no command
+    // can act on a row the person cannot see. Setting a filter holds back
+    // the selection of the rows it hides and gives it back to the rows it
+    // shows again; any other change of the selection forgets what was held.
+    void setFilter(NameFilter filter);
+    bool filtering() const { return !filter_.showsAll(); }
+    bool shown(std::size_t row) const {
+        return filter_.showsAll() || filter_.matches(rows_[row].name);
+    }
+    std::size_t shownCount() const;
+
     // Largest byte offset among the rows, and the size of the largest row that
     // starts there: where the data of a new entry goes.
     std::uint64_t highestOffset() const;
@@ -132,6 +148,10 @@ private:
     void notifyRemoved(std::size_t first, std::size_t count);
     void notifyChanged(std::size_t first, std::size_t last);
     void notifyReset();
+    // A row the filter hides gives up its selection (renamed out of view, or
+    // appended while hidden).
+    void holdIfHidden(std::size_t row);
+    void forgetHeldSelection();
 
     std::size_t insertRow(Entry entry);
     // Gives `rows` the ids of the same entries among the current rows; false
@@ -148,6 +168,8 @@ private:
     bool rereading_ = false;
     Order order_ = Order::Index;
     bool placeholder_ = false;
+    NameFilter filter_;
+    std::size_t heldCount_ = 0;
     std::vector<EntryTableObserver*> observers_;
 };
 

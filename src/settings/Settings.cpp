@@ -117,6 +117,49 @@ void Settings::SetStandardShortcuts(bool chosen) {
     WriteSetting(chosen ? "True" : "False", "stdShortcuts");
 }
 
+std::optional<std::string> Settings::WindowPlace() const {
+    const std::string value = ReadSetting("windowPlace");
+    const bool base64 =
+        !value.empty() && value.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ"
+                                                  "abcdefghijklmnopqrstuvwxyz"
+                                                  "0123456789+/=") == std::string::npos;
+    return base64 ? std::optional<std::string>(value) : std::nullopt;
+}
+
+void Settings::StoreWindowPlace(std::string_view base64) {
+    WriteSetting(base64, "windowPlace");
+}
+
+std::optional<std::vector<int>> Settings::ListColumnWidths() const {
+    // Wider than any screen, or too narrow to grab, is a hand-edited or
+    // damaged value: the designed widths are better than an unusable list.
+    constexpr int Narrowest = 8;
+    constexpr int Widest = 10000;
+    const std::string value = ReadSetting("listColumns");
+    std::vector<int> widths;
+    const char* at = value.data();
+    const char* const end = value.data() + value.size();
+    while (at < end) {
+        int width = 0;
+        const auto [next, error] = std::from_chars(at, end, width);
+        if (error != std::errc() || width < Narrowest || width > Widest ||
+            (next != end && *next != ',')) {
+            return std::nullopt;
+        }
+        widths.push_back(width);
+        at = next == end ? end : next + 1;
+    }
+    return widths.empty() ? std::nullopt : std::optional(widths);
+}
+
+void Settings::StoreListColumnWidths(const std::vector<int>& widths) {
+    std::string value;
+    for (const int width : widths) {
+        value += (value.empty() ? "" : ",") + std::to_string(width);
+    }
+    WriteSetting(value, "listColumns");
+}
+
 void Settings::EnsureSettingsFile() {
     if (!inMemory_ && !FileExists(settingsFile_)) {
         WriteDefaultSettings();

@@ -35,6 +35,14 @@ public:
     // designed keys.
     bool StandardShortcuts() const;
     void SetStandardShortcuts(bool chosen);
+    // The main window's place, size and state as the window saved it
+    // (`windowPlace`, base64 text), nothing while none is stored.
+    std::optional<std::string> WindowPlace() const;
+    void StoreWindowPlace(std::string_view base64);
+    // The list's column widths in pixels (`listColumns`, "220,100,100"),
+    // nothing unless every one is a plausible width.
+    std::optional<std::vector<int>> ListColumnWidths() const;
+    void StoreListColumnWidths(const std::vector<int>& widths);
 
     void EnsureSettingsFile();
     void WriteDefaultSettings();

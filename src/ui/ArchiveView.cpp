@@ -2,6 +2,8 @@
 #include "ui/WidgetUnits.h"
 
 #include <QContextMenuEvent>
+#include <QAbstractProxyModel>
+#include <QDrag>
 #include <QDropEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -31,7 +33,99 @@ ArchiveView::ArchiveView(QWidget* parent) : QTableView(parent) {
     horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     setAcceptDrops(true);
-    setDragDropMode(QAbstractItemView::DropOnly);
+    setDragEnabled(true);
+    setDragDropMode(QAbstractItemView::DragDrop);
+    setDefaultDropAction(Qt::CopyAction);
+    horizontalHeader()->setSectionsClickable(true);
+    horizontalHeader()->setSortIndicatorShown(false);
+    connect(horizontalHeader(), &QHeaderView::sectionClicked, this, &ArchiveView::sortByHeader);
+    connect(horizontalHeader(), &QHeaderView::sectionResized, this, &ArchiveView::columnResized);
+}
+
+void ArchiveView::setNameFloor(int pixels) {
+    nameFloor_ = pixels;
+    fitNameColumn();
+}
+
+// The Name column is as wide as the room left of the viewport, never
+// narrower than its floor; the list scrolls sideways only below that.
+void ArchiveView::fitNameColumn() {
+    QHeaderView* header = horizontalHeader();
+    if (model() == nullptr || header->count() == 0 || fitting_) {
+        return;
+    }
+    int others = 0;
+    for (int column = 1; column < header->count(); ++column) {
+        others += header->sectionSize(column);
+    }
+    fitting_ = true;
+    header->resizeSection(0, std::max(nameFloor_, viewport()->width() - others));
+    fitting_ = false;
+}
+
+void ArchiveView::columnResized(int column, int, int newWidth) {
+    if (fitting_) {
+        return;
+    }
+    if (column == 0) {
+        // The person dragged the Name column: that width is its new floor.
+        nameFloor_ = newWidth;
+    }
+    fitNameColumn();
+}
+
+void ArchiveView::resizeEvent(QResizeEvent* event) {
+    QTableView::resizeEvent(event);
+    fitNameColumn();
+}
+
+void ArchiveView::sortByHeader(int column) {
+    if (model() == nullptr) {
+        return;
+    }
+    // A first click sorts ascending, the next click on the same header
+    // flips. Kept here: the header flips its own indicator before telling us.
+    headerOrder_ = headerColumn_ == column && headerOrder_ == Qt::AscendingOrder
+                       ? Qt::DescendingOrder
+                       : Qt::AscendingOrder;
+    headerColumn_ = column;
+    model()->sort(column, headerOrder_);
+    horizontalHeader()->setSortIndicator(column, headerOrder_);
+    horizontalHeader()->setSortIndicatorShown(true);
+}
+
+void ArchiveView::clearHeaderSort() {
+    headerColumn_ = -1;
+    if (model() != nullptr) {
+        model()->sort(-1);
+    }
+    horizontalHeader()->setSortIndicatorShown(false);
+}
+
+void ArchiveView::scrollTo(const QModelIndex& index, ScrollHint hint) {
+    const auto* proxy = qobject_cast<const QAbstractProxyModel*>(model());
+    if (proxy != nullptr && index.isValid() && index.model() == proxy->sourceModel()) {
+        const QModelIndex shown = proxy->mapFromSource(index);
+        if (shown.isValid()) {
+            QTableView::scrollTo(shown, hint);
+        }
+        return;
+    }
+    QTableView::scrollTo(index, hint);
+}
+
+void ArchiveView::startDrag(Qt::DropActions) {
+    QMimeData* data = dragData_ ? dragData_() : nullptr;
+    if (data == nullptr) {
+        return;
+    }
+    auto* drag = new QDrag(this);
+    drag->setMimeData(data);
+    drag->exec(Qt::CopyAction, Qt::CopyAction);
+}
+
+bool ArchiveView::acceptsDrop(const QDropEvent& event) const {
+    return event.source() != this && event.mimeData()->hasUrls();
 }
 
 void ArchiveView::keyPressEvent(QKeyEvent* event) {
@@ -95,7 +189,7 @@ void ArchiveView::mousePressEvent(QMouseEvent* event) {
 }
 
 void ArchiveView::dragEnterEvent(QDragEnterEvent* event) {
-    if (event->mimeData()->hasUrls()) {
+    if (acceptsDrop(*event)) {
         event->acceptProposedAction();
     } else {
         event->ignore();
@@ -103,7 +197,7 @@ void ArchiveView::dragEnterEvent(QDragEnterEvent* event) {
 }
 
 void ArchiveView::dragMoveEvent(QDragMoveEvent* event) {
-    if (event->mimeData()->hasUrls()) {
+    if (acceptsDrop(*event)) {
         event->acceptProposedAction();
     } else {
         event->ignore();
@@ -111,6 +205,10 @@ void ArchiveView::dragMoveEvent(QDragMoveEvent* event) {
 }
 
 void ArchiveView::dropEvent(QDropEvent* event) {
+    if (!acceptsDrop(*event)) {
+        event->ignore();
+        return;
+    }
     QStringList paths;
     for (const QUrl& url : event->mimeData()->urls()) {
         if (url.isLocalFile()) {

@@ -9,10 +9,12 @@
 #include <QAbstractTableModel>
 #include <QIcon>
 #include <QItemSelectionModel>
+#include <QSortFilterProxyModel>
 #include <QStringList>
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 
 namespace korvel::ui {
@@ -25,7 +27,17 @@ public:
                QObject* parent = nullptr);
     ~EntryModel() override;
 
+    // The model the view shows: the table's rows as filtered and sorted for
+    // viewing. The selection model attached must be the view's, over it.
+    QSortFilterProxyModel* viewModel() const { return proxy_; }
     void attachSelectionModel(QItemSelectionModel* selection);
+    // Shows only the rows the filter matches (the table holds back the
+    // selection of the others), and the selection that is left.
+    void setFilter(NameFilter filter);
+    // The table row behind a row of the view, and back; nothing for the
+    // placeholder or a row that is not there.
+    std::optional<std::size_t> tableRow(int viewRow) const;
+    std::optional<int> viewRow(std::size_t tableRow) const;
     void addColumn(const QString& header);
     void clearColumns();
     bool showsPlaceholder() const { return placeholderShown_; }
@@ -46,12 +58,17 @@ private:
     // Copies the table's selected flags of rows [first, last] into the view.
     void pushSelection(std::size_t first, std::size_t last);
     void pullSelection(const QItemSelection& selected, const QItemSelection& deselected);
+    // The view's ranges covering the table rows in [first, last] that pass
+    // `wanted`, in as few ranges as the view's order allows.
+    template <typename Wanted>
+    QItemSelection viewRanges(std::size_t first, std::size_t last, Wanted wanted) const;
     const QIcon& icon(std::string_view key) const;
 
     EntryTable& table_;
     std::function<QString()> placeholderText_;
     QStringList headers_;
     QItemSelectionModel* selection_ = nullptr;
+    QSortFilterProxyModel* proxy_ = nullptr;
     int shownRows_ = 0;
     bool placeholderShown_ = false;
     bool syncing_ = false;

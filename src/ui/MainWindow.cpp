@@ -1,9 +1,11 @@
 #include "ui/MainWindow.h"
 #include "ui/WidgetUnits.h"
 
+#include "archive/NameFilter.h"
 #include "platform/Folders.h"
 #include "ui/AboutBox.h"
 #include "ui/ArchiveView.h"
+#include "ui/EntryDrag.h"
 #include "ui/EntryModel.h"
 #include "ui/SearchCommands.h"
 #include "ui/ToolWindows.h"
@@ -11,9 +13,14 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QClipboard>
 #include <QCloseEvent>
+#include <QComboBox>
+#include <QGuiApplication>
+#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QProgressBar>
@@ -24,7 +31,9 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
+#include <array>
 #include <cmath>
+#include <optional>
 
 namespace korvel::ui {
 namespace {
@@ -84,6 +93,25 @@ private:
     std::function<void()> open_;
     bool armed_ = false;
 };
+// The filter's type chooser: every entry, or one of the kinds Select all and
+// Show me offer, under the same captions.
+struct FilterKind {
+    std::optional<EntryKind> kind;
+    std::string_view textKey;
+};
+constexpr std::array<FilterKind, 6> FilterKinds = {{
+    {std::nullopt, "filterAll"},
+    {EntryKind::Model, "files2"},
+    {EntryKind::Texture, "files3"},
+    {EntryKind::Animation, "files4"},
+    {EntryKind::Collision, "files5"},
+    {EntryKind::Other, "files7"},
+}};
+
+// The window's designed size, in device-independent pixels.
+constexpr QSize DesignedWindowSize(420, 560);
+// What a window manager's frame and title bar take around the window.
+constexpr QSize FrameAllowance(16, 48);
 
 } // namespace
 
@@ -97,8 +125,9 @@ MainWindow::MainWindow(Settings& settings, QWidget* parent)
     view_ = new ArchiveView(this);
     model_ = new EntryModel(
         editor_.table(), [this] { return Q(editor_.text("ready")); }, this);
-    view_->setModel(model_);
+    view_->setModel(model_->viewModel());
     model_->attachSelectionModel(view_->selectionModel());
+    view_->setDragData([this] { return exportSelectedFiles(); });
     view_->verticalHeader()->setDefaultSectionSize(twipsToPixelsY(RowHeightTwips) + 1);
     view_->verticalHeader()->setMinimumSectionSize(1);
 
@@ -112,6 +141,7 @@ MainWindow::MainWindow(Settings& settings, QWidget* parent)
     auto* layout = new QVBoxLayout(central);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(2);
+    layout->addLayout(buildFilterBar());
     layout->addWidget(view_, 1);
     layout->addWidget(progress_);
     setCentralWidget(central);
@@ -136,6 +166,7 @@ MainWindow::MainWindow(Settings& settings, QWidget* parent)
         handlers_.insert(Q(command.item), std::move(command.run));
     }
     buildMenus();
+    connectListSorting();
     editor_.menu().setObserver(
         [this](const std::string& name, const MenuItemState& state) { mirror(name, state); });
     ForEachMenuNode(MainMenuTree(), [this](const MenuNode& node) {
@@ -157,7 +188,8 @@ MainWindow::MainWindow(Settings& settings, QWidget* parent)
         entries_.AddFileBatch(files);
     });
 
-    resize(420, 560);
+    placeWindow();
+    view_->setFocus();
 }
 
 MainWindow::~MainWindow() {
@@ -339,7 +371,9 @@ void MainWindow::ShowEntryList(ShowMeList list) {
 void MainWindow::closeEvent(QCloseEvent* event) {
     if (!shutDown_) {
         shutDown_ = true;
+        rememberWindowPlace();
         commands_.Shutdown();
+        exports_.RemoveExported();
     }
     event->accept();
 }
@@ -350,12 +384,153 @@ void MainWindow::resizeEvent(QResizeEvent* event) {
 }
 
 void MainWindow::ClearColumnHeaders() {
+    // The columns come back in another language with the widths they had.
+    if (model_->columnCount() > 0) {
+        columnWidths_ = {view_->nameFloor()};
+        for (int column = 1; column < model_->columnCount(); ++column) {
+            columnWidths_.push_back(view_->columnWidth(column));
+        }
+    }
+    view_->clearHeaderSort();
     model_->clearColumns();
+    retranslateFilterBar();
 }
 
 void MainWindow::AddColumnHeader(const std::string& text, int widthTwips) {
     model_->addColumn(Q(text));
-    view_->setColumnWidth(model_->columnCount() - 1, twipsToPixelsX(widthTwips));
+    const int column = model_->columnCount() - 1;
+    const auto kept = static_cast<std::size_t>(column);
+    const int width =
+        kept < columnWidths_.size() ? columnWidths_[kept] : twipsToPixelsX(widthTwips);
+    if (column == 0) {
+        view_->setNameFloor(width);
+    } else {
+        view_->setColumnWidth(column, width);
+    }
+}
+
+QHBoxLayout* MainWindow::buildFilterBar() {
+    auto* bar = new QHBoxLayout;
+    bar->setContentsMargins(2, 2, 2, 0);
+    filterBox_ = new QLineEdit(this);
+    filterBox_->setObjectName(QStringLiteral("FilterBox"));
+    filterBox_->setClearButtonEnabled(true);
+    filterKind_ = new QComboBox(this);
+    filterKind_->setObjectName(QStringLiteral("FilterKind"));
+    for (std::size_t k = 0; k < FilterKinds.size(); ++k) {
+        filterKind_->addItem(QString());
+    }
+    bar->addWidget(filterBox_, 1);
+    bar->addWidget(filterKind_);
+    setTabOrder(filterBox_, filterKind_);
+    setTabOrder(filterKind_, view_);
+    retranslateFilterBar();
+
+    connect(filterBox_, &QLineEdit::textChanged, this, &MainWindow::applyFilter);
+    connect(filterKind_, &QComboBox::currentIndexChanged, this, &MainWindow::applyFilter);
+    const auto focusFilter = [this] {
+        filterBox_->setFocus(Qt::ShortcutFocusReason);
+        filterBox_->selectAll();
+    };
+    auto* ctrlL = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_L), this);
+    connect(ctrlL, &QShortcut::activated, this, focusFilter);
+    // "/" starts a filter from the list, as in file managers; elsewhere it is
+    // a character like any other.
+    auto* slash = new QShortcut(QKeySequence(Qt::Key_Slash), view_);
+    slash->setContext(Qt::WidgetShortcut);
+    connect(slash, &QShortcut::activated, this, focusFilter);
+    // Escape empties the box; in an empty box it goes back to the list.
+    auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), filterBox_);
+    escape->setContext(Qt::WidgetShortcut);
+    connect(escape, &QShortcut::activated, this, [this] {
+        if (filterBox_->text().isEmpty()) {
+            view_->setFocus(Qt::ShortcutFocusReason);
+        } else {
+            filterBox_->clear();
+        }
+    });
+    return bar;
+}
+
+void MainWindow::retranslateFilterBar() {
+    filterBox_->setPlaceholderText(Q(editor_.text("filterHint")));
+    filterBox_->setToolTip(filterBox_->placeholderText());
+    filterKind_->setToolTip(Q(editor_.text("filterKind")));
+    for (std::size_t k = 0; k < FilterKinds.size(); ++k) {
+        filterKind_->setItemText(static_cast<int>(k), Q(editor_.text(FilterKinds[k].textKey)));
+    }
+}
+
+void MainWindow::applyFilter() {
+    const int chosen = std::max(0, filterKind_->currentIndex());
+    model_->setFilter(NameFilter(filterBox_->text().toStdString(),
+                                 FilterKinds[static_cast<std::size_t>(chosen)].kind));
+    const EntryTable& table = editor_.table();
+    if (!table.filtering()) {
+        editor_.desktop().SetStatus(editor_.text("filterOff"));
+        return;
+    }
+    editor_.desktop().SetStatus(editor_.text("filterShown") + " " +
+                                std::to_string(table.shownCount()) + " " +
+                                editor_.text("filterOf") + " " + std::to_string(table.size()));
+}
+
+void MainWindow::connectListSorting() {
+    for (const QString& item : {QStringLiteral("SortOffset"), QStringLiteral("SortName")}) {
+        connect(actions_.value(item), &QAction::triggered, view_, &ArchiveView::clearHeaderSort);
+    }
+}
+
+QMimeData* MainWindow::exportSelectedFiles() {
+    return EntryFilesMimeData(exports_.ExportSelected());
+}
+
+void MainWindow::CopySelectedAsFiles() {
+    if (editor_.table().selectedCount() == 0) {
+        editor_.desktop().SetStatus(editor_.text("noneSel"));
+        return;
+    }
+    const std::vector<std::filesystem::path> files = exports_.ExportSelected();
+    if (QMimeData* data = EntryFilesMimeData(files)) {
+        QGuiApplication::clipboard()->setMimeData(data);
+        editor_.desktop().SetStatus(editor_.text("copiedFiles") + " " +
+                                    std::to_string(files.size()));
+    }
+}
+
+void MainWindow::placeWindow() {
+    Settings& settings = editor_.settings();
+    columnWidths_ = settings.ListColumnWidths().value_or(std::vector<int>{});
+    const std::optional<std::string> stored = settings.WindowPlace();
+    if (stored && restoreGeometry(QByteArray::fromBase64(QByteArray::fromStdString(*stored)))) {
+        // A place saved on a screen that is gone, or at another scale, may
+        // leave the window partly out of sight: then the default is better.
+        for (const QScreen* screen : QGuiApplication::screens()) {
+            if (screen->availableGeometry().contains(geometry())) {
+                return;
+            }
+        }
+        setWindowState(windowState() & ~Qt::WindowMaximized);
+    }
+    const QScreen* screen =
+        this->screen() != nullptr ? this->screen() : QGuiApplication::primaryScreen();
+    const QRect room = screen->availableGeometry();
+    // The designed size, as far as the screen has room for it and the frame.
+    const QSize size = DesignedWindowSize.boundedTo(room.size() - FrameAllowance);
+    resize(size);
+    move(room.center() - QPoint(size.width() / 2, size.height() / 2));
+}
+
+void MainWindow::rememberWindowPlace() {
+    Settings& settings = editor_.settings();
+    settings.StoreWindowPlace(saveGeometry().toBase64().toStdString());
+    if (model_->columnCount() > 0) {
+        std::vector<int> widths = {view_->nameFloor()};
+        for (int column = 1; column < model_->columnCount(); ++column) {
+            widths.push_back(view_->columnWidth(column));
+        }
+        settings.StoreListColumnWidths(widths);
+    }
 }
 
 void MainWindow::SetGridLines(bool shown) {

@@ -13,6 +13,8 @@
 #include "window/Editor.h"
 #include "window/MainCommands.h"
 
+#include "window/EntryExport.h"
+
 #include <QHash>
 #include <QMainWindow>
 
@@ -21,7 +23,11 @@
 #include <string>
 
 class QAction;
+class QComboBox;
+class QHBoxLayout;
 class QLabel;
+class QLineEdit;
+class QMimeData;
 class QMenu;
 class QProgressBar;
 class QStatusBar;
@@ -68,6 +74,8 @@ public:
     QLabel* statsPanel() const { return panel2_; }
     // F10, or Alt on its own: the first menu of the menu bar opens.
     void openMenuBar();
+    QLineEdit* filterBox() const { return filterBox_; }
+    QComboBox* filterKind() const { return filterKind_; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -88,6 +96,7 @@ private:
     void OpenLineColoursDialog() override;
     void OpenScanOptionsDialog() override;
     void ShowEntryList(ShowMeList list) override;
+    void CopySelectedAsFiles() override;
 
     // The Cancel button of long work, beside PB1's status bar panels.
     void addCancelButton(QStatusBar* bar);
@@ -98,6 +107,18 @@ private:
     void mirrorChecks();
     int twipsToPixelsX(int twips) const;
     int twipsToPixelsY(int twips) const;
+
+    // The filter bar above the list, and what its box and chooser do.
+    QHBoxLayout* buildFilterBar();
+    void retranslateFilterBar();
+    void applyFilter();
+    // Choosing an order from the Sort menu drops the header's order.
+    void connectListSorting();
+    // Drags and copies hand the selected entries over as files.
+    QMimeData* exportSelectedFiles();
+    // The window's place and the list's column widths across runs.
+    void placeWindow();
+    void rememberWindowPlace();
 
     QtDesktop desktop_;
     Editor editor_;
@@ -117,6 +138,12 @@ private:
     QHash<QString, QMenu*> menus_;
     QHash<QString, std::function<void()>> handlers_;
     bool shutDown_ = false;
+    QLineEdit* filterBox_ = nullptr;
+    QComboBox* filterKind_ = nullptr;
+    // The list's column widths: the person's from the last run, kept while
+    // the columns are re-added for another language.
+    std::vector<int> columnWidths_;
+    EntryExport exports_{editor_};
 };
 
 } // namespace korvel::ui

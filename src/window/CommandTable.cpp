@@ -26,6 +26,7 @@ std::vector<MenuCommand> BuildCommandTable(const CommandTargets& targets) {
         {"FileExit", [&window] { window.CloseMainWindow(); }},
         // Edit
         {"EditView", [&entries] { entries.ViewSelectedEntries(); }},
+        {"EditCopyFiles", [&window] { window.CopySelectedAsFiles(); }},
         {"EditSelect", [&main] { main.SelectAllEntries(); }},
         {"EditFind", [&window] { window.OpenFindWindow(); }},
         {"EditFindIn", [&window] { window.OpenFindInFilesWindow(); }},

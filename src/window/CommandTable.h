@@ -30,6 +30,8 @@ public:
     virtual void OpenLineColoursDialog() = 0;
     virtual void OpenScanOptionsDialog() = 0;
     virtual void ShowEntryList(ShowMeList list) = 0;
+    // Puts the selected entries on the clipboard as files.
+    virtual void CopySelectedAsFiles() = 0;
 };
 
 struct MenuCommand {

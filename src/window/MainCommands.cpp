@@ -226,8 +226,9 @@ void MainCommands::ClearSelection() {
 void MainCommands::SelectAllEntries() {
     ClearSelection();
     editor_.table().selectAll();
-    editor_.desktop().SetStatus(text("select1") + " " + std::to_string(editor_.table().size()) +
-                                " " + text("select2"));
+    editor_.desktop().SetStatus(text("select1") + " " +
+                                std::to_string(editor_.table().selectedCount()) + " " +
+                                text("select2"));
 }
 
 void MainCommands::SelectByType(std::string_view item) {

@@ -52,6 +52,7 @@ std::vector<MenuNode> BuildTree() {
              Item("FileExit", "Exit", "menua7")}),
         Sub("Edit2Menu", "Edit", "menub1",
             {Item("EditView", "View", "menub2"),
+             Item("EditCopyFiles", "Copy as files", "copyFiles", "Ctrl+Shift+C"),
              Sub("edSel", "Select all", "menub3",
                  {Item("EditSelect", "All files", "files1", "F8"), Gap("selectGap"),
                   Item("SelectModels", "Model files", "files2"),

@@ -35,6 +35,7 @@ struct RecordingWindow : WindowOnlyCommands {
     void OpenLineColoursDialog() override { ran.push_back("lineColours"); }
     void OpenScanOptionsDialog() override { ran.push_back("scanOptions"); }
     void ShowEntryList(ShowMeList list) override { ran.push_back("list" + list.title); }
+    void CopySelectedAsFiles() override { ran.push_back("copyFiles"); }
 };
 
 class CommandTableTest : public test::EditorHarness {
@@ -65,13 +66,10 @@ TEST_F(CommandTableTest, EveryMenuItemHasExactlyOneCommandAndEveryCommandAnItem)
 TEST_F(CommandTableTest, WindowOnlyItemsReachTheirWindowCommand) {
     openArchive("a.img", {{0, 1, "car.dff"}, {1, 1, "car.txd"}}, 2 * 2048);
     const std::pair<std::string_view, std::string> cases[] = {
-        {"FileExit", "close"},
-        {"HelpAbout", "about"},
-        {"EditFind", "find"},
-        {"EditFindIn", "findInFiles"},
-        {"OptsPick", "lineColours"},
-        {"ScanSettings", "scanOptions"},
-        {"ShowMeTextures", "list " + text("show4") + "1]"},
+        {"FileExit", "close"},          {"HelpAbout", "about"},
+        {"EditFind", "find"},           {"EditFindIn", "findInFiles"},
+        {"OptsPick", "lineColours"},    {"ScanSettings", "scanOptions"},
+        {"EditCopyFiles", "copyFiles"}, {"ShowMeTextures", "list " + text("show4") + "1]"},
     };
     for (const auto& [item, expected] : cases) {
         window.ran.clear();

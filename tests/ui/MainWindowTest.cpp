@@ -9,12 +9,17 @@
 #include "ui/SearchWindow.h"
 #include "window/MenuTree.h"
 
+#include <QClipboard>
+#include <QComboBox>
+#include <QHeaderView>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
-#include <QPushButton>
 #include <QMetaEnum>
+#include <QMimeData>
 #include <QPointer>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -45,7 +50,15 @@ class MainWindowTest : public QObject {
     korvel::ui::MainWindow* w = nullptr;
     korvel::ui::ArchiveView* view = nullptr;
     std::string path;
-    QPoint rowCentre(int row) const { return view->visualRect(w->model()->index(row, 0)).center(); }
+    QPoint rowCentre(int row) const {
+        return view->visualRect(view->model()->index(row, 0)).center();
+    }
+    QStringList viewNames() const {
+        QStringList names;
+        for (int row = 0; row < view->model()->rowCount(); ++row)
+            names << view->model()->index(row, 0).data(Qt::ToolTipRole).toString();
+        return names;
+    }
 private slots:
     void init() {
         env = std::make_unique<korvel::test::WindowEnv>();
@@ -65,13 +78,18 @@ private slots:
     void longWorkTakesOnlyCancelAndCloseWaitsForIt();
     void standardShortcutsGiveTheDesktopKeysTheirMeaning();
     void keyboardReachesTheMenusAndClosesToolWindows();
+    void filterBoxFiltersAndCommandsSeeOnlyTheShownRows();
+    void headerSortsTheViewOnlyAndTheSortMenuClearsIt();
+    void copyPutsTheSelectedEntriesOnTheClipboardAsFiles();
+    void nameColumnFillsAndThePlaceIsRememberedWhenItFits();
 };
 
 void MainWindowTest::menuBarFollowsTheMenuTree() {
     const QString expected =
         "MenuFile{FileNew[Ctrl+N] -g0 FileOpen[Ctrl+O] FileRecent{recent1[F1]* recent2[F2] "
         "recent3[F3]} -g1 FileClose[Ctrl+C] FileReload -g2 FileExit} "
-        "Edit2Menu{EditView edSel{EditSelect[F8] -selectGap SelectModels SelectTextures SelectAni "
+        "Edit2Menu{EditView EditCopyFiles[Ctrl+Shift+C] edSel{EditSelect[F8] -selectGap "
+        "SelectModels SelectTextures SelectAni "
         "SelectCols -gapDD SelectAllOther} -ewrwerwe EditFind[Ctrl+F] EditFindIn -g3 "
         "EditInsertMarker[F11] MenuLCase{EditLowCaseName EditLowCase[F4] ConvLFName} -g8 ComCheck "
         "ShowMe{ShowMeModels ShowMeTextures ShowMeAni ShowMeCol -erwererwer ShowMeOthers} "
@@ -250,6 +268,81 @@ void MainWindowTest::keyboardReachesTheMenusAndClosesToolWindows() {
             QTest::keySequence(tool, QKeySequence(key));
             QTRY_VERIFY2(tool.isNull() || !tool->isVisible(), item);
         }
+}
+
+void MainWindowTest::filterBoxFiltersAndCommandsSeeOnlyTheShownRows() {
+    env->action("SelectTextures")->trigger();
+    w->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(w));
+    QTest::keyClick(view, Qt::Key_Slash);
+    QCOMPARE(QApplication::focusWidget(), w->filterBox());
+    QTest::keyClicks(w->filterBox(), "?.DFF");
+    QCOMPARE(viewNames(), (QStringList{"a.dff", "c.dff"}));
+    QCOMPARE(w->statusPanel()->text(),
+             env->text("filterShown") + " 2 " + env->text("filterOf") + " 4");
+    env->action("EditSelect")->trigger(); // selects what is shown, no more
+    QCOMPARE(env->selectedRows(), (QList<int>{1, 3}));
+    w->filterKind()->setCurrentIndex(5); // other files: none of these
+    QCOMPARE(viewNames(), QStringList{});
+    w->filterKind()->setCurrentIndex(0);
+    QTest::keyClick(w->filterBox(), Qt::Key_Escape);
+    QCOMPARE(w->filterBox()->text(), QString());
+    QCOMPARE(view->selectionModel()->selectedRows().size(), 2);
+    QCOMPARE(env->selectedRows(), (QList<int>{1, 3}));
+}
+
+void MainWindowTest::headerSortsTheViewOnlyAndTheSortMenuClearsIt() {
+    QHeaderView* header = view->horizontalHeader();
+    const QPoint name(header->sectionViewportPosition(0) + 5, 5);
+    QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, name);
+    // Not so soon that the two clicks make a double click.
+    QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, name,
+                      QApplication::doubleClickInterval() + 50);
+    QCOMPARE(viewNames(), (QStringList{"d.col", "c.dff", "b.txd", "a.dff"}));
+    QVERIFY(header->isSortIndicatorShown() && header->sortIndicatorOrder() == Qt::DescendingOrder);
+    QCOMPARE(env->shownNames(), (std::vector<std::string>{"a.dff", "b.txd", "c.dff", "d.col"}));
+    // The selection follows the rows, not their places.
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, rowCentre(0));
+    QCOMPARE(env->selectedRows(), QList<int>{4});
+    env->action("SortOffset")->trigger();
+    QVERIFY(!header->isSortIndicatorShown());
+    QCOMPARE(viewNames(), (QStringList{"a.dff", "b.txd", "c.dff", "d.col"}));
+}
+
+void MainWindowTest::copyPutsTheSelectedEntriesOnTheClipboardAsFiles() {
+    env->action("SelectModels")->trigger();
+    env->action("EditCopyFiles")->trigger();
+    const QMimeData* copied = QGuiApplication::clipboard()->mimeData();
+    QVERIFY(copied != nullptr && copied->urls().size() == 2);
+    QCOMPARE(copied->urls()[1].fileName(), QString("c.dff"));
+    QVERIFY(QFile::exists(copied->urls()[1].toLocalFile()));
+    QVERIFY(copied->data("x-special/gnome-copied-files").startsWith("copy\nfile://"));
+}
+
+void MainWindowTest::nameColumnFillsAndThePlaceIsRememberedWhenItFits() {
+    const auto columns = [](korvel::ui::ArchiveView* v) {
+        return QList<int>{v->columnWidth(0), v->columnWidth(1), v->columnWidth(2)};
+    };
+    w->resize(500, 300);
+    view->setColumnWidth(1, 123);
+    QCOMPARE(view->columnWidth(0) + 123 + view->columnWidth(2), view->viewport()->width());
+    w->resize(150, 300);
+    QCOMPARE(view->columnWidth(0), view->nameFloor());
+    w->resize(500, 300);
+    const QList<int> widths = columns(view);
+    w->close();
+    {
+        korvel::ui::MainWindow again(env->settings);
+        again.startup("");
+        again.show();
+        QCOMPARE(again.size(), QSize(500, 300));
+        QCOMPARE(columns(again.archiveView()), widths);
+        again.resize(5000, 5000); // larger than the screen
+        again.close();
+    }
+    korvel::ui::MainWindow third(env->settings);
+    const QRect room = third.screen()->availableGeometry();
+    QVERIFY(third.width() <= room.width() && third.height() <= room.height());
 }
 
 QTEST_MAIN(MainWindowTest)
