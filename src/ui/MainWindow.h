@@ -4,14 +4,14 @@
 // call the engine, and the engine's menu state is mirrored into the actions.
 #pragma once
 
-#include "window/EntryCommands.h"
-#include "window/QuickReplaceCommand.h"
 #include "ui/QtDesktop.h"
 #include "ui/QtEntryDialogs.h"
 #include "ui/QuickReplaceDialog.h"
 #include "window/CommandTable.h"
 #include "window/Editor.h"
+#include "window/EntryCommands.h"
 #include "window/MainCommands.h"
+#include "window/QuickReplaceCommand.h"
 
 #include <QHash>
 #include <QMainWindow>
@@ -24,6 +24,7 @@ class QAction;
 class QLabel;
 class QMenu;
 class QProgressBar;
+class QTimer;
 
 namespace korvel {
 struct MenuNode;
@@ -65,6 +66,11 @@ public:
     EntryModel* model() const { return model_; }
     QLabel* statusPanel() const { return panel1_; }
     QLabel* statsPanel() const { return panel2_; }
+    // The selection, the archive's size and what a rebuild would free.
+    QLabel* summaryPanel() const { return summary_; }
+    // Title and summary anew from the editor; runs after every command and,
+    // batched, after every change of the rows or the selection.
+    void showArchiveState();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -107,6 +113,8 @@ private:
     QLabel* panel1_ = nullptr;
     QLabel* panel2_ = nullptr;
     QProgressBar* progress_ = nullptr;
+    QLabel* summary_ = nullptr;
+    QTimer* stateTimer_ = nullptr;
     QHash<QString, QAction*> actions_;
     QHash<QString, QMenu*> menus_;
     QHash<QString, std::function<void()>> handlers_;

@@ -9,7 +9,10 @@
 #include <QInputDialog>
 #include <QLabel>
 #include <QMessageBox>
+#include <QMimeDatabase>
+#include <QProcess>
 #include <QProgressBar>
+#include <QStandardPaths>
 #include <QStatusBar>
 #include <QUrl>
 
@@ -40,6 +43,7 @@ QMessageBox::Icon BoxIcon(MessageIcon icon) {
 }
 
 constexpr qint64 PaintIntervalMs = 30;
+constexpr int ShellQueryTimeoutMs = 2000;
 
 } // namespace
 
@@ -217,9 +221,45 @@ void QtDesktop::SetClipboardText(const std::string& text) {
 
 bool QtDesktop::OpenWithShell(const std::string& pathOrAddress) {
     const QString target = Q(pathOrAddress);
-    const QUrl url =
-        QFileInfo::exists(target) ? QUrl::fromLocalFile(target) : QUrl::fromUserInput(target);
+    const bool isFile = QFileInfo::exists(target);
+    if (isFile && !HasDefaultApplication(target)) {
+        return false;
+    }
+    const QUrl url = isFile ? QUrl::fromLocalFile(target) : QUrl::fromUserInput(target);
     return QDesktopServices::openUrl(url);
+}
+
+bool QtDesktop::HasDefaultApplication(const QString& file) {
+#if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)
+    // xdg-open starts detached and its failure never comes back to us, so
+    // ask the desktop first whether any program opens this type (or a type
+    // it derives from, which xdg-open falls back to). Without xdg-mime there
+    // is no one to ask: then the shell is simply tried.
+    const QString xdgMime = QStandardPaths::findExecutable(QStringLiteral("xdg-mime"));
+    if (xdgMime.isEmpty()) {
+        return true;
+    }
+    const QMimeType type = QMimeDatabase().mimeTypeForFile(file);
+    QStringList types{type.name()};
+    types += type.allAncestors();
+    for (const QString& name : std::as_const(types)) {
+        QProcess query;
+        query.start(xdgMime, {QStringLiteral("query"), QStringLiteral("default"), name});
+        if (!query.waitForFinished(ShellQueryTimeoutMs)) {
+            // A desktop too slow to answer is given the benefit of the doubt.
+            query.kill();
+            query.waitForFinished(ShellQueryTimeoutMs);
+            return true;
+        }
+        if (query.exitCode() == 0 && !query.readAllStandardOutput().trimmed().isEmpty()) {
+            return true;
+        }
+    }
+    return false;
+#else
+    (void)file;
+    return true;
+#endif
 }
 
 } // namespace korvel::ui

@@ -8,6 +8,7 @@
 
 #include <QElapsedTimer>
 #include <QPointer>
+#include <QString>
 
 class QLabel;
 class QProgressBar;
@@ -43,6 +44,9 @@ public:
     void SetBusy(bool busy) override;
     void SetClipboardText(const std::string& text) override;
     bool OpenWithShell(const std::string& pathOrAddress) override;
+
+    // Whether the desktop names a program that opens `file`'s type.
+    static bool HasDefaultApplication(const QString& file);
 
 private:
     FileDialogAnswer fileDialog(const FileDialogRequest& request, bool saving);

@@ -87,15 +87,32 @@ std::size_t EntryCommands::ExtractSelected(ExtractMode firstMode) {
     // Looked up once: every lookup reads the language file's identity.
     const std::string extracting = editor_.text("extract1") + " ";
     const std::string of = " " + editor_.text("adding2") + " " + std::to_string(rows.size());
+    std::size_t extracted = 0;
     for (std::size_t k = 0; k < rows.size(); ++k) {
         desktop.SetStatus(extracting + std::to_string(k + 1) + of);
         // The folder is asked for once; later rows follow it through lastExtract.
         if (!ExtractEntry(rows[k], k == 0 ? firstMode : ExtractMode::Quick)) {
             ++failed;
+            const bool noFolder = firstMode == ExtractMode::Ask
+                                      ? TrimBlanks(pickedFolder_).empty()
+                                      : editor_.settings().ReadSetting("lastExtract") == NoPath;
+            if (k == 0 && noFolder) {
+                // No folder chosen: the rest must not go to the last one used,
+                // nor each bring the same message again.
+                return rows.size();
+            }
+        } else {
+            ++extracted;
         }
         table.setSelected(rows[k], false);
     }
     table.setSelected(rows.back(), true);
+    if (failed != 0) {
+        // The last entry's "complete" must not stand for the ones that failed.
+        desktop.SetStatus(editor_.text("extract5") + ": " + std::to_string(extracted) + " " +
+                          editor_.text("extracted") + ", " + std::to_string(failed) + " " +
+                          editor_.text("addFailed"));
+    }
     return failed;
 }
 
@@ -175,7 +192,15 @@ void EntryCommands::ViewSelectedEntries() {
             return;
         }
         ShowMissingBytes(editor_, row, copy);
-        editor_.desktop().OpenWithShell(copy.target->string());
+        if (!editor_.desktop().OpenWithShell(copy.target->string())) {
+            // Nothing on this desktop opens the type (no Linux desktop opens
+            // ".txd"): say so and offer to put the entry in a folder instead.
+            if (editor_.desktop().AskYesNo(editor_.text("openFail") + "\n" + ShownName(name) +
+                                               "\n\n" + editor_.text("viewExtract"),
+                                           "")) {
+                (void)ExtractEntry(row, ExtractMode::Ask);
+            }
+        }
     }
 }
 

@@ -46,7 +46,8 @@ public:
 
     // --- replacing -----------------------------------------------------------
     void ReplaceSelectedAskingFiles();
-    void ReplaceEntryWithDialog(std::size_t row);
+    // True when the entry was replaced (not cancelled, not failed).
+    bool ReplaceEntryWithDialog(std::size_t row);
     // Replaces the row from the file and tells the person as the window does.
     ReplaceResult ReplaceRow(std::size_t row, const std::string& path);
 

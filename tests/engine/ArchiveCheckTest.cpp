@@ -2,6 +2,7 @@
 // (window layer).
 #include "archive/ArchiveCheck.h"
 #include "EditorHarness.h"
+#include "archive/FreeSpace.h"
 #include "window/ReportCommands.h"
 
 #include <gtest/gtest.h>
@@ -38,6 +39,49 @@ TEST(ForEachDuplicatePair, MatchesThePairwiseComparison) {
     }
 }
 
+TEST(ForEachCaseOnlyPair, PairsEachTwoSpellingsOnce) {
+    using Pairs = std::vector<std::pair<std::string, std::string>>;
+    const std::pair<std::vector<std::string>, Pairs> cases[] = {
+        {{"a.dff", "a.dff", "b"}, {}},
+        {{"a.dff", "A.DFF", "a.dff", "A.dff"},
+         {{"a.dff", "A.DFF"}, {"a.dff", "A.dff"}, {"A.DFF", "A.dff"}}},
+        {{"x", "caf\xE9", "CAF\xC9", "X"}, {{"x", "X"}, {"caf\xE9", "CAF\xC9"}}},
+    };
+    for (const auto& [names, expected] : cases) {
+        EntryTable table;
+        std::vector<Entry> rows;
+        for (const std::string& name : names)
+            rows.push_back({0, 1, name, false});
+        table.assign(rows);
+        Pairs found;
+        EXPECT_EQ(ForEachCaseOnlyPair(table,
+                                      [&](const std::string& a, const std::string& b) {
+                                          found.push_back({a, b});
+                                      }),
+                  expected.size());
+        EXPECT_EQ(found, expected);
+    }
+}
+
+TEST(UnusedDataBytes, FileLengthLessTheUnionOfTheEntries) {
+    using Rows = std::vector<std::pair<std::uint32_t, std::uint32_t>>; // start, sectors
+    const std::tuple<Rows, std::uint64_t, std::uint64_t> cases[] = {
+        {{}, 3000, 3000},
+        {{{0, 1}, {2, 1}}, 3 * SectorSize, SectorSize},
+        {{{0, 2}, {1, 2}, {1, 1}}, 4 * SectorSize, SectorSize}, // overlaps count once
+        {{{1, 9}, {50, 1}}, 3 * SectorSize + 5, SectorSize},    // past the end covers nothing
+        {{{0, 0}}, SectorSize, SectorSize},
+    };
+    for (const auto& [placements, length, unused] : cases) {
+        EntryTable table;
+        std::vector<Entry> rows;
+        for (const auto& [start, sectors] : placements)
+            rows.push_back({start, sectors, "e", false});
+        table.assign(rows);
+        EXPECT_EQ(UnusedDataBytes(table, length), unused) << length;
+    }
+}
+
 using CheckCommandTest = test::EditorHarness;
 
 TEST_F(CheckCommandTest, ShowsAndCopiesOnlyWhatItFound) {
@@ -69,8 +113,20 @@ TEST_F(CheckCommandTest, ShowsAndCopiesOnlyWhatItFound) {
          {progress + " 1/6", progress + " 6/6", shown + report + "\n" + text("aCheck3"), done}},
         {{{0, 1, "abc.dff"}, {0, 1, "ABC.DFF"}},
          "yes",
+         text("aCheckCase") + "\r\nabc.dff / ABC.DFF",
+         {progress + " 1/2", progress + " 2/2",
+          shown + text("aCheckCase") + "\r\nabc.dff / ABC.DFF\n" + text("aCheck3"), done}},
+        {{{0, 1, "abc.dff"}, {0, 1, "b.col"}},
+         "yes",
          "before",
          {progress + " 1/2", progress + " 2/2", shown + text("aCheck5"), done}},
+        {{{0, 1, "a.dff"}, {0, 1, "a.dff"}, {0, 1, "A.dff"}},
+         "yes",
+         text("aCheck2") + "\r\na.dff\r\n\r\n" + text("aCheckCase") + "\r\na.dff / A.dff",
+         {progress + " 1/3", progress + " 3/3",
+          shown + text("aCheck2") + "\r\na.dff\r\n\r\n" + text("aCheckCase") +
+              "\r\na.dff / A.dff\n" + text("aCheck3"),
+          done}},
         {{{0, 1, "a.dff"}, {0, 1, "a.dff"}}, "no", "before", {done}},
         // 143 rows of one name make 10 153 pairs: the list stops at 10 000.
         {std::vector<DirRecord>(143, {0, 1, "a.dff"}),

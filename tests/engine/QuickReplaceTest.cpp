@@ -49,7 +49,7 @@ TEST_F(QuickReplaceTest, EachChoiceForAMissingFile) {
                      std::string>
         cases[] = {
             {"3", Skip, "", 2, "bbbbbbbb", "new c"},
-            {"1", ReplaceSeparately, Cancel, 3, "bbbbbbbb", "new c"}, // still counted
+            {"1", ReplaceSeparately, Cancel, 2, "bbbbbbbb", "new c"}, // cancelled: a skip
             {"1", NewLocation, Cancel, 2, "bbbbbbbb", "new c"},
             {"2", {}, picked, 3, "picked b", "new c"}, // the stored choice: separately
             {"1", ReplaceSeparately, picked, 3, "picked b", "new c"},

@@ -58,6 +58,11 @@ TEST_F(Rename, NameCaseCommands) {
         EXPECT_EQ(desktop.status,
                   status.substr(0, space + 1) + text(status.substr(space + 1).c_str()));
     }
+    // Names already in lower case are not counted as changed.
+    open({{0, 1, "bus.dff"}, {1, 1, "CAR.dff"}}, 2 * SectorSize);
+    select({0, 1});
+    commands.LowerCaseSelected(NameCase::Whole);
+    EXPECT_EQ(desktop.status, "1 " + text("lcase1"));
 }
 
 TEST_F(Rename, RenamingTheOldEntryOfADuplicateWhileSortedByName) {

@@ -27,6 +27,9 @@ public:
     std::string status;
     std::string stats;
     std::string archivePath;
+    // What OpenWithShell answers: false as on a desktop with no program for the type.
+    bool shellOpens = true;
+    FileDialogRequest lastFileDialog;
 
     void answer(std::initializer_list<std::string> next) {
         answers.insert(answers.end(), next.begin(), next.end());

@@ -6,6 +6,7 @@
 #include "ui/ArchiveView.h"
 #include "ui/EntryModel.h"
 
+#include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
 #include <QSignalSpy>
@@ -55,6 +56,8 @@ private slots:
     void menuStateIsMirroredIntoTheActionsAndTheList();
     void selectionIsOneTruthAndTheMouseAndEnterReachTheCommands();
     void oneRowChangeNotifiesOneRow();
+    void titleIconAndStatusFollowTheArchiveAndTheSelection();
+    void viewAsksTheDesktopWhetherAnyProgramOpensTheType();
 };
 
 void MainWindowTest::menuBarFollowsTheMenuTree() {
@@ -100,8 +103,14 @@ void MainWindowTest::menuStateIsMirroredIntoTheActionsAndTheList() {
     env->action("OptGrid")->trigger();
     env->action("OptCols")->trigger();
     QVERIFY(view->showGrid() && view->alternatingRowColors());
+    // Colours nobody picked are the desktop's; picked ones get readable text.
+    QCOMPARE(view->palette().color(QPalette::AlternateBase),
+             QApplication::palette().color(QPalette::AlternateBase));
+    env->settings.WriteSetting("True", "ownColors");
+    w->commands().PaintRowStripes();
     QCOMPARE(view->palette().color(QPalette::Base), QColor(10, 233, 233));
     QCOMPARE(view->palette().color(QPalette::AlternateBase), QColor(255, 255, 255));
+    QCOMPARE(view->palette().color(QPalette::Text), QColor(0, 0, 0));
     env->action("FileClose")->trigger();
     QVERIFY(!env->action("FileClose")->isEnabled());
     env->action("lang2")->trigger();
@@ -154,6 +163,36 @@ void MainWindowTest::oneRowChangeNotifiesOneRow() {
     QCOMPARE(resets.size(), 0);
     QCOMPARE(inserted.size(), 1);
     QCOMPARE(env->shownNames(), (std::vector<std::string>{"d.col"}));
+}
+
+void MainWindowTest::titleIconAndStatusFollowTheArchiveAndTheSelection() {
+    QCOMPARE(w->windowTitle(), QString::fromUtf8("a&b.img \u2014 Korvel"));
+    QVERIFY(!w->windowIcon().isNull());
+    QVERIFY(!env->action("ComDel")->isEnabled());
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, rowCentre(1));
+    QTRY_VERIFY(w->summaryPanel()->text().startsWith(env->text("sbSel") + " 1 ("));
+    QVERIFY(env->action("ComDel")->isEnabled());
+    env->action("FileClose")->trigger();
+    QCOMPARE(w->windowTitle(), QString(" Korvel"));
+    QVERIFY(w->statsPanel()->text().isEmpty() && w->summaryPanel()->isHidden());
+}
+
+void MainWindowTest::viewAsksTheDesktopWhetherAnyProgramOpensTheType() {
+    const auto bin = env->folder / "bin";
+    std::filesystem::create_directories(bin);
+    korvel::test::WriteBytes(bin / "xdg-mime",
+                             "#!/bin/sh\n[ \"$3\" = text/plain ] && echo a.desktop\n");
+    std::filesystem::permissions(bin / "xdg-mime", std::filesystem::perms::owner_all);
+    korvel::test::WriteBytes(env->folder / "x.txd", std::string("\x16\0\0\0\xff", 5));
+    korvel::test::WriteBytes(env->folder / "x.txt", "plain text");
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", QByteArray(bin.c_str()) + ":" + path);
+    using korvel::ui::QtDesktop;
+    QVERIFY(!QtDesktop::HasDefaultApplication(
+        QString::fromStdString((env->folder / "x.txd").string())));
+    QVERIFY(
+        QtDesktop::HasDefaultApplication(QString::fromStdString((env->folder / "x.txt").string())));
+    qputenv("PATH", path);
 }
 
 QTEST_MAIN(MainWindowTest)
