@@ -236,6 +236,8 @@ void EntryCommands::DeleteSelectedAsking() {
     }
     ShowDeleteProgress(rows.size());
     if (const Status deleted = DeleteRows(editor_.archive(), rows); !deleted.ok()) {
+        // The count shown while working must not stand: nothing was deleted.
+        editor_.desktop().SetStatus("Deleted 0");
         ShowError(deleted.error());
         return;
     }

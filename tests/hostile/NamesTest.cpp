@@ -103,14 +103,12 @@ TEST_F(HostileView, OnlyKnownKindsOfFilesGoToTheDesktop) {
     EXPECT_EQ(desktop.shellOpened, (std::vector<std::string>{(TempsFolder() / "car.DFF").string(),
                                                              (TempsFolder() / "a.txt").string()}));
     EXPECT_EQ(ReadBytes(TempsFolder() / "car.DFF"), imgBytes().substr(4 * SectorSize, SectorSize));
-    // Nothing on the desktop opens the type: said, and Extract offered instead.
     desktop.shellOpens = false;
-    fs::create_directories(folder / "out");
     select({4});
-    desktop.answer({"yes", (folder / "out").string()});
+    desktop.answer({"yes", folder.path().string()});
     commands.ViewSelectedEntries();
     EXPECT_EQ(desktop.said("ask").front().find("ask : " + text("openFail") + "\ncar.DFF"), 0u);
-    EXPECT_TRUE(fs::exists(folder / "out" / "car.DFF"));
+    EXPECT_TRUE(fs::exists(folder / "car.DFF"));
 }
 
 } // namespace
