@@ -10,6 +10,7 @@ packages=(
   qt6-base-dev libgl-dev libegl-dev libvulkan-dev
   libgtest-dev
   xvfb xauth xdotool x11-apps fonts-dejavu-core
+  desktop-file-utils appstream
 )
 if [ "${1:-}" = "--windows" ]; then
   packages=(g++-mingw-w64-x86-64-posix wine64)

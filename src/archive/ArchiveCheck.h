@@ -1,4 +1,5 @@
-// The archive check (ComCheck): entries that share a name, case included.
+// The archive check (ComCheck): entries that share a name exactly, and names
+// that differ only in letter case, which the game takes for one file.
 #pragma once
 
 #include "archive/EntryTable.h"
@@ -23,22 +24,37 @@ std::uint64_t
 ForEachDuplicatePair(const EntryTable& table, const std::function<void(const std::string&)>& pair,
                      const std::function<void(std::size_t row, std::size_t rows)>& progress = {});
 
+// Hands `pair` each two spellings (raw bytes) of one name that differ only in
+// letter case (Windows-1252 case mapping), once per pair of spellings however
+// many rows hold them: the earlier spelling (by first row) comes first, and
+// the groups come in the order their first row stands. Exact duplicates are
+// ForEachDuplicatePair's; marker rows never count. Returns how many pairs it
+// handed out.
+std::uint64_t ForEachCaseOnlyPair(
+    const EntryTable& table,
+    const std::function<void(const std::string& first, const std::string& second)>& pair);
+
 // The check's report as the window shows it and copies it: text(aCheck2),
 // then CR LF and a name (UTF-8) for each of the first `listed` pairs; when
-// more were found, CR LF, text(aCheck7), a space and how many more. Keeps
-// only the listed lines, however many pairs the table holds.
+// more were found, CR LF, text(aCheck7), a space and how many more. Names
+// differing only in case follow as a second group the same way, under
+// text(aCheckCase), one "name / NAME" line per pair; a group with no pairs
+// is left out. Keeps only the listed lines, however many pairs there are.
 class DuplicateReport {
 public:
     DuplicateReport(const Settings& texts, std::uint64_t listed);
     void add(const std::string& rawName);
-    std::uint64_t pairs() const { return pairs_; }
+    void addCaseOnly(const std::string& rawFirst, const std::string& rawSecond);
+    std::uint64_t pairs() const { return pairs_ + casePairs_; }
     std::string text() const;
 
 private:
     const Settings& texts_;
     std::uint64_t listed_;
     std::uint64_t pairs_ = 0;
+    std::uint64_t casePairs_ = 0;
     std::string report_;
+    std::string caseReport_;
 };
 
 } // namespace korvel

@@ -160,7 +160,7 @@ Status RenameEntry(Archive& archive, std::size_t row, const std::string& rawName
 enum class NameCase { Whole, BeforeExtension, Extension };
 struct LowerCaseResult {
     Status status = Status::Ok();
-    std::size_t count = 0; // rows whose names the rule applied to
+    std::size_t count = 0; // rows whose names changed
 };
 LowerCaseResult LowerCaseNames(Archive& archive, const std::vector<std::size_t>& rows,
                                NameCase which);

@@ -65,11 +65,13 @@ LowerCaseResult LowerCaseNames(Archive& archive, const std::vector<std::size_t>&
         } else {
             continue;
         }
-        ++result.count;
         if (name != before[row].name) {
             changed.push_back(row);
         }
     }
+    // Names that were lower case already are not counted: the message tells
+    // how many names this command changed.
+    result.count = changed.size();
     if (table.order() == EntryTable::Order::Index) {
         for (std::size_t row : changed) {
             table.setName(row, after[row].name);

@@ -101,6 +101,13 @@ int Check(const Arguments& args) {
         const std::string line = ShownName(name) + '\n';
         std::fwrite(line.data(), 1, line.size(), stdout);
     });
+    // Then the second form: names the game takes for one file because they
+    // differ only in letter case, "case", TAB, one spelling, TAB, the other.
+    (void)ForEachCaseOnlyPair(
+        session.archive().table(), [](const std::string& first, const std::string& second) {
+            const std::string line = "case\t" + ShownName(first) + '\t' + ShownName(second) + '\n';
+            std::fwrite(line.data(), 1, line.size(), stdout);
+        });
     return Print({});
 }
 
@@ -150,7 +157,13 @@ void AddFindVerbs(VerbTable& verbs) {
                         2,
                         FindIn};
     verbs["check"] = {
-        "check ARCHIVE.img", "duplicate entry names, one line per pair of rows", {}, 1, 1, Check};
+        "check ARCHIVE.img",
+        "duplicate entry names, one line per pair of rows; then case, TAB, name, TAB, NAME "
+        "for each two names differing only in letter case",
+        {},
+        1,
+        1,
+        Check};
     verbs["report"] = {"report ARCHIVE.img OUT --text|--html [--language NAME]",
                        "write the archive report (replacing OUT)",
                        {{"--text", false}, {"--html", false}, {"--language", true}},

@@ -116,7 +116,7 @@ std::string DesktopEntryText(const fs::path& executable, const fs::path& icon) {
          << "Exec=" << ExecQuoted(executable.string()) << " %f\n"
          << "Icon=" << icon.string() << "\n"
          << "Terminal=false\n"
-         << "Categories=Utility;Archiving;Game;\n"
+         << "Categories=Utility;Archiving;\n"
          << "MimeType=" << ImgMimeType << ";\n";
     return text.str();
 }
@@ -128,10 +128,15 @@ std::string MimePackageText() {
          << "  <mime-type type=\"" << ImgMimeType << "\">\n"
          << "    <comment>GTA IMG archive</comment>\n"
          << "    <generic-icon name=\"package-x-generic\"/>\n"
-         // A higher weight than the disk-image type that also claims *.img,
-         // so our archives are recognised as ours.
-         << "    <glob pattern=\"*.img\" weight=\"60\"/>\n"
-         << "    <glob pattern=\"*.IMG\" weight=\"60\"/>\n"
+         // Most ".img" files are disk images (weight 50 in shared-mime-info):
+         // the name alone only makes a file ours when nothing else claims it.
+         // The two-file kind cannot be told by content (it is known by its
+         // ".dir" companion, which no MIME rule can look for); the one-file
+         // kind starts with "VER2" and is recognised by that.
+         << "    <glob pattern=\"*.img\" weight=\"10\"/>\n"
+         << "    <magic priority=\"60\">\n"
+         << "      <match type=\"string\" value=\"VER2\" offset=\"0\"/>\n"
+         << "    </magic>\n"
          << "  </mime-type>\n"
          << "</mime-info>\n";
     return text.str();
@@ -211,15 +216,25 @@ std::string RegisterFileAssociation() {
 
     const fs::path executable = ExecutableFolder() / "korvel";
     fs::path icon = ResourceFolder() / "icons" / "korvel.svg";
-    FsError error = WriteFileAtomically(paths.desktopEntry, DesktopEntryText(executable, icon));
+    // Each failure names its file: the person has to find and fix it.
+    const auto write = [](const fs::path& path, const std::string& text) -> FsError {
+        const FsError failed = WriteFileAtomically(path, text);
+        return failed.empty() ? failed : path.string() + ": " + failed;
+    };
+    FsError error = write(paths.desktopEntry, DesktopEntryText(executable, icon));
     if (error.empty()) {
-        error = WriteFileAtomically(paths.mimePackage, MimePackageText());
+        error = write(paths.mimePackage, MimePackageText());
     }
     if (error.empty()) {
-        FsError ignored;
-        const std::string existing =
-            FileExists(paths.mimeApps) ? ReadSmallFile(paths.mimeApps, ignored).value_or("") : "";
-        error = WriteFileAtomically(paths.mimeApps, MimeAppsWithKorvel(existing));
+        // A mimeapps.list that cannot be read is left alone: writing it anew
+        // would drop every other program's defaults.
+        FsError readError;
+        std::optional<std::string> existing = std::string();
+        if (FileExists(paths.mimeApps)) {
+            existing = ReadSmallFile(paths.mimeApps, readError);
+        }
+        error = existing ? write(paths.mimeApps, MimeAppsWithKorvel(*existing))
+                         : paths.mimeApps.string() + ": " + readError;
     }
     // Refresh the desktop's caches when the tools for it are installed; the
     // association works without them once the desktop rescans.

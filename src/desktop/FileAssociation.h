@@ -52,8 +52,7 @@ std::string MimePackageText();
 std::string MimeAppsWithKorvel(const std::string& existing);
 
 // Writes the association for the current user. Returns an empty string on
-// success, else what failed (the command reports nothing, as designed; the
-// text is for the CLI and the log).
+// success, else what failed, naming the file.
 std::string RegisterFileAssociation();
 
 } // namespace korvel

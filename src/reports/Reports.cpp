@@ -127,7 +127,10 @@ std::vector<std::string> ReportLines(const Archive& archive, const Settings& tex
         return "    <td width=\"" + std::string(width) + "\" bgcolor=\"" + std::string(colour) +
                "\">" + body + "</td>";
     };
-    lines = {"<title>" + text("report1") + "</title><style type=\"Text/css\">",
+    // The bytes are Windows-1252 (ToAnsi): a browser must not guess UTF-8 and
+    // show accented names and texts as garbage.
+    lines = {"<meta charset=\"windows-1252\">",
+             "<title>" + text("report1") + "</title><style type=\"Text/css\">",
              "<!--",
              "body,td,th {",
              " font-family: Arial, Helvetica, sans-serif;",

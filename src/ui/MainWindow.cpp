@@ -4,12 +4,14 @@
 #include "archive/NameFilter.h"
 #include "platform/Folders.h"
 #include "ui/AboutBox.h"
+#include "ui/AppIcon.h"
 #include "ui/ArchiveView.h"
 #include "ui/EntryDrag.h"
 #include "ui/EntryModel.h"
 #include "ui/SearchCommands.h"
 #include "ui/ToolWindows.h"
 #include "window/MenuTree.h"
+#include "window/RowColours.h"
 
 #include <QAction>
 #include <QApplication>
@@ -19,6 +21,7 @@
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QItemSelectionModel>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -29,6 +32,7 @@
 #include <QShortcut>
 #include <QStatusBar>
 #include <QStyle>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <array>
@@ -121,6 +125,11 @@ MainWindow::MainWindow(Settings& settings, QWidget* parent)
       quickReplaceDialogs_(settings, this), quickReplace_(editor_, entries_, quickReplaceDialogs_) {
     setObjectName(QStringLiteral("Main"));
     setWindowTitle(QStringLiteral(" Korvel"));
+    // The desktop file's name lets a Wayland compositor find the icon and
+    // name of the installed desktop entry for this window.
+    QGuiApplication::setDesktopFileName(QStringLiteral("korvel"));
+    QGuiApplication::setWindowIcon(ApplicationIcon());
+    setWindowIcon(QGuiApplication::windowIcon());
 
     view_ = new ArchiveView(this);
     model_ = new EntryModel(
@@ -152,8 +161,11 @@ MainWindow::MainWindow(Settings& settings, QWidget* parent)
     panel1_->setObjectName(QStringLiteral("SBPanel1"));
     panel2_ = new QLabel(bar);
     panel2_->setObjectName(QStringLiteral("SBPanel2"));
+    summary_ = new QLabel(bar);
+    summary_->setObjectName(QStringLiteral("SBSummary"));
     panel1_->setMinimumWidth(1);
     bar->addWidget(panel1_, 1);
+    bar->addPermanentWidget(summary_);
     bar->addPermanentWidget(panel2_);
     setStatusBar(bar);
     desktop_.attachStatusBar(bar, panel1_, panel2_, progress_);
@@ -173,6 +185,19 @@ MainWindow::MainWindow(Settings& settings, QWidget* parent)
         mirror(node.name, editor_.menu().item(node.name));
     });
     ApplyShortcutScheme(editor_.menu(), settings.StandardShortcuts());
+
+    // A delete of many rows changes the table row by row: the summary is
+    // worked out once, when the command is over.
+    stateTimer_ = new QTimer(this);
+    stateTimer_->setSingleShot(true);
+    stateTimer_->setInterval(0);
+    connect(stateTimer_, &QTimer::timeout, this, &MainWindow::showArchiveState);
+    const auto later = [this] { stateTimer_->start(); };
+    connect(view_->selectionModel(), &QItemSelectionModel::selectionChanged, this, later);
+    connect(model_, &QAbstractItemModel::modelReset, this, later);
+    connect(model_, &QAbstractItemModel::rowsInserted, this, later);
+    connect(model_, &QAbstractItemModel::rowsRemoved, this, later);
+    connect(model_, &QAbstractItemModel::dataChanged, this, later);
 
     connect(view_, &ArchiveView::viewRequested, this, [this] { runCommand("EditView"); });
     installMenuKeys();
@@ -202,6 +227,15 @@ MainWindow::~MainWindow() {
 
 void MainWindow::startup(const std::string& commandLine) {
     commands_.Startup(commandLine);
+    showArchiveState();
+}
+
+void MainWindow::showArchiveState() {
+    editor_.EnableSelectionCommands();
+    setWindowTitle(Q(editor_.WindowTitle()));
+    const QString summary = Q(editor_.ArchiveSummary());
+    summary_->setText(summary);
+    summary_->setVisible(!summary.isEmpty());
 }
 
 int MainWindow::twipsToPixelsX(int twips) const {
@@ -337,6 +371,7 @@ void MainWindow::runCommand(const QString& name) {
         (*found)();
     }
     mirrorChecks();
+    showArchiveState();
 }
 
 void MainWindow::CloseMainWindow() {
@@ -538,17 +573,22 @@ void MainWindow::SetGridLines(bool shown) {
 }
 
 void MainWindow::SetRowStripes(std::optional<std::pair<Rgb, Rgb>> colours) {
+    // The desktop's palette, as the theme (light or dark) gives it.
+    view_->setPalette(QPalette());
     if (!colours) {
         view_->setAlternatingRowColors(false);
-        view_->setPalette(QPalette());
         return;
+    }
+    view_->setAlternatingRowColors(true);
+    if (!RowColoursChosen(editor_.settings())) {
+        return; // Base and AlternateBase of the desktop, with its own text colour
     }
     QPalette palette = view_->palette();
     const auto toColour = [](const Rgb& c) { return QColor(c.red, c.green, c.blue); };
     palette.setColor(QPalette::Base, toColour(colours->first));
     palette.setColor(QPalette::AlternateBase, toColour(colours->second));
+    palette.setColor(QPalette::Text, toColour(ReadableTextOn(colours->first, colours->second)));
     view_->setPalette(palette);
-    view_->setAlternatingRowColors(true);
 }
 
 } // namespace korvel::ui

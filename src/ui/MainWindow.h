@@ -4,14 +4,14 @@
 // call the engine, and the engine's menu state is mirrored into the actions.
 #pragma once
 
-#include "window/EntryCommands.h"
-#include "window/QuickReplaceCommand.h"
 #include "ui/QtDesktop.h"
 #include "ui/QtEntryDialogs.h"
 #include "ui/QuickReplaceDialog.h"
 #include "window/CommandTable.h"
 #include "window/Editor.h"
+#include "window/EntryCommands.h"
 #include "window/MainCommands.h"
+#include "window/QuickReplaceCommand.h"
 
 #include "window/EntryExport.h"
 
@@ -31,6 +31,7 @@ class QMimeData;
 class QMenu;
 class QProgressBar;
 class QStatusBar;
+class QTimer;
 
 namespace korvel {
 struct MenuNode;
@@ -76,6 +77,11 @@ public:
     void openMenuBar();
     QLineEdit* filterBox() const { return filterBox_; }
     QComboBox* filterKind() const { return filterKind_; }
+    // The selection, the archive's size and what a rebuild would free.
+    QLabel* summaryPanel() const { return summary_; }
+    // Title and summary anew from the editor; runs after every command and,
+    // batched, after every change of the rows or the selection.
+    void showArchiveState();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -134,6 +140,8 @@ private:
     QLabel* panel1_ = nullptr;
     QLabel* panel2_ = nullptr;
     QProgressBar* progress_ = nullptr;
+    QLabel* summary_ = nullptr;
+    QTimer* stateTimer_ = nullptr;
     QHash<QString, QAction*> actions_;
     QHash<QString, QMenu*> menus_;
     QHash<QString, std::function<void()>> handlers_;

@@ -12,7 +12,10 @@
 #include <QLabel>
 #include <QLayout>
 #include <QMessageBox>
+#include <QMimeDatabase>
+#include <QProcess>
 #include <QProgressBar>
+#include <QStandardPaths>
 #include <QStatusBar>
 #include <QUrl>
 
@@ -55,6 +58,8 @@ bool Within(QObject* target, QObject* widget) {
     }
     return false;
 }
+
+constexpr int ShellQueryTimeoutMs = 2000;
 
 } // namespace
 
@@ -413,9 +418,58 @@ void QtDesktop::SetClipboardText(const std::string& text) {
 
 bool QtDesktop::OpenWithShell(const std::string& pathOrAddress) {
     const QString target = Q(pathOrAddress);
-    const QUrl url =
-        QFileInfo::exists(target) ? QUrl::fromLocalFile(target) : QUrl::fromUserInput(target);
+    const bool isFile = QFileInfo::exists(target);
+    if (isFile && !HasDefaultApplication(target)) {
+        return false;
+    }
+    const QUrl url = isFile ? QUrl::fromLocalFile(target) : QUrl::fromUserInput(target);
     return QDesktopServices::openUrl(url);
+}
+
+bool QtDesktop::HasDefaultApplication(const QString& file) {
+#if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)
+    // xdg-open starts detached and its failure never comes back to us, so
+    // ask the desktop first whether any program opens this type (or a type
+    // it derives from, which xdg-open falls back to): xdg-mime where
+    // xdg-utils is installed, else GLib's gio, which GNOME always has. With
+    // neither there is no one to ask: then the shell is simply tried.
+    const QString xdgMime = QStandardPaths::findExecutable(QStringLiteral("xdg-mime"));
+    const QString gio =
+        xdgMime.isEmpty() ? QStandardPaths::findExecutable(QStringLiteral("gio")) : QString();
+    if (xdgMime.isEmpty() && gio.isEmpty()) {
+        return true;
+    }
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C")); // gio's words, untranslated
+    const QMimeType type = QMimeDatabase().mimeTypeForFile(file);
+    QStringList types{type.name()};
+    types += type.allAncestors();
+    for (const QString& name : std::as_const(types)) {
+        QProcess query;
+        query.setProcessEnvironment(environment);
+        if (gio.isEmpty()) {
+            query.start(xdgMime, {QStringLiteral("query"), QStringLiteral("default"), name});
+        } else {
+            query.start(gio, {QStringLiteral("mime"), name});
+        }
+        if (!query.waitForFinished(ShellQueryTimeoutMs)) {
+            // A desktop too slow to answer is given the benefit of the doubt.
+            query.kill();
+            query.waitForFinished(ShellQueryTimeoutMs);
+            return true;
+        }
+        const QByteArray answer = query.readAllStandardOutput().trimmed();
+        const bool named =
+            gio.isEmpty() ? !answer.isEmpty() : answer.startsWith("Default application");
+        if (query.exitCode() == 0 && named) {
+            return true;
+        }
+    }
+    return false;
+#else
+    (void)file;
+    return true;
+#endif
 }
 
 } // namespace korvel::ui

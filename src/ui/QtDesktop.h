@@ -10,6 +10,7 @@
 
 #include <QElapsedTimer>
 #include <QPointer>
+#include <QString>
 
 #include <functional>
 #include <memory>
@@ -63,6 +64,9 @@ public:
     void cancelWorkAndClose();
     bool AskDestructive(const std::string& text, const std::string& title) override;
     OverwriteAnswer AskOverwrite(const std::string& text, const std::string& title) override;
+
+    // Whether the desktop names a program that opens `file`'s type.
+    static bool HasDefaultApplication(const QString& file);
 
 private:
     class WorkGuard;

@@ -84,8 +84,7 @@ std::vector<MenuCommand> BuildCommandTable(const CommandTargets& targets) {
         table.push_back({LanguageSlotName(slot), [&main, slot] { main.SwitchLanguage(slot); }});
     }
     for (const std::string_view item : {"HelpHome", "HelpCheckWeb", "HelpHelp"}) {
-        table.push_back(
-            {std::string(item), [&editor, item] { RunHelpCommand(editor.desktop(), item); }});
+        table.push_back({std::string(item), [&editor, item] { RunHelpCommand(editor, item); }});
     }
     return table;
 }

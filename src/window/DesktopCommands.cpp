@@ -5,14 +5,20 @@
 
 namespace korvel {
 
-void RunHelpCommand(Desktop& desktop, std::string_view item) {
-    if (const auto target = HelpTarget(item)) {
-        (void)desktop.OpenWithShell(*target);
+void RunHelpCommand(Editor& editor, std::string_view item) {
+    if (const auto target = HelpTarget(item); target && !editor.desktop().OpenWithShell(*target)) {
+        editor.desktop().ShowMessage(editor.text("openFail") + "\n" + *target, "",
+                                     MessageIcon::Exclamation);
     }
 }
 
 void AssociateWithImgFiles(Editor& editor) {
-    (void)RegisterFileAssociation();
+    if (const std::string failed = RegisterFileAssociation(); !failed.empty()) {
+        editor.desktop().ShowMessage(editor.text("fileRegFail") + "\n" + failed, "",
+                                     MessageIcon::Exclamation);
+        editor.desktop().SetStatus(editor.text("fileRegFail"));
+        return;
+    }
     editor.desktop().SetStatus(editor.text("fileReg"));
 }
 

@@ -8,12 +8,13 @@
 
 namespace korvel {
 
-// Opens the Help item's target. The shell's answer is not looked at: a
-// missing readme or browser opens nothing and says nothing.
-void RunHelpCommand(Desktop& desktop, std::string_view item);
+// Opens the Help item's target; when nothing on this desktop can open it
+// (no browser, a missing readme), the person is told which target failed.
+void RunHelpCommand(Editor& editor, std::string_view item);
 
-// OptAss: registers the association, then text(fileReg) whatever happened
-// (a desktop that refuses the change is not the person's concern here).
+// OptAss: registers the association, then text(fileReg); when a file of it
+// could not be written, a message names it and the status says
+// text(fileRegFail) instead.
 void AssociateWithImgFiles(Editor& editor);
 
 } // namespace korvel

@@ -3,9 +3,11 @@
 #include "settings/FailureTexts.h"
 
 #include "archive/Format.h"
+#include "archive/FreeSpace.h"
 #include "archive/RebuildJournal.h"
 #include "platform/FileSystem.h"
 
+#include <sstream>
 #include <system_error>
 
 namespace korvel {
@@ -19,6 +21,67 @@ std::string RecentKey(int slot) {
 
 Editor::Editor(Desktop& desktop, Settings& settings, std::filesystem::path editorFolder)
     : desktop_(desktop), settings_(settings), editorFolder_(std::move(editorFolder)) {}
+
+std::string Editor::WindowTitle() const {
+    if (!isOpen()) {
+        return " Korvel";
+    }
+    return ArchiveFileName() + " \u2014 Korvel";
+}
+
+std::string Editor::ArchiveFileName() const {
+    // Cut from the UTF-8 text itself: a path object would read it in the
+    // system's code page on Windows.
+    const std::string& path = dataPath();
+    const std::size_t slash = path.find_last_of("/\\");
+    return path.substr(slash == std::string::npos ? 0 : slash + 1);
+}
+
+std::string Editor::SizeText(std::uint64_t bytes) const {
+    // sizeUnits holds the four units separated by '|': bytes, KB, MB, GB.
+    std::vector<std::string> units;
+    std::stringstream parts(text("sizeUnits"));
+    for (std::string unit; std::getline(parts, unit, '|');) {
+        units.push_back(unit);
+    }
+    units.resize(4, units.empty() ? std::string() : units.back());
+    if (bytes < 1024) {
+        return std::to_string(bytes) + " " + units[0];
+    }
+    std::size_t unit = 1;
+    std::uint64_t scale = 1024;
+    while (unit < 3 && bytes / scale >= 1024) {
+        scale *= 1024;
+        ++unit;
+    }
+    // One decimal, rounded half up, in whole numbers: no locale in the way.
+    const std::uint64_t tenths = (bytes * 10 + scale / 2) / scale;
+    return std::to_string(tenths / 10) + text("decimalMark") + std::to_string(tenths % 10) + " " +
+           units[unit];
+}
+
+std::string Editor::ArchiveSummary() const {
+    if (!isOpen()) {
+        return {};
+    }
+    std::size_t selected = 0;
+    std::uint64_t selectedBytes = 0;
+    for (const Entry& entry : table().rows()) {
+        if (entry.selected) {
+            ++selected;
+            selectedBytes += entry.byteCount();
+        }
+    }
+    std::string summary =
+        text("sbSel") + " " + std::to_string(selected) + " (" + SizeText(selectedBytes) + ")";
+    // The data file may have gone or be unreadable: then its size and the
+    // space to win are not known, and nothing is claimed.
+    if (const auto length = FileLength(dataPath())) {
+        summary += "   " + text("sbSize") + " " + SizeText(*length) + "   " + text("sbFree") + " " +
+                   SizeText(UnusedDataBytes(table(), *length));
+    }
+    return summary;
+}
 
 void Editor::FindHighestOffset() {
     archive_.FindHighestOffset();
@@ -48,11 +111,21 @@ void Editor::EnableArchiveCommands() {
     for (const std::string& name : ArchiveCommandNames()) {
         menu_.setEnabled(name, true);
     }
+    EnableSelectionCommands();
+}
+
+void Editor::EnableSelectionCommands() {
+    const bool any = isOpen() && table().selectedCount() > 0;
+    for (const std::string& name : SelectionCommandNames()) {
+        menu_.setEnabled(name, any);
+    }
 }
 
 void Editor::ResetToClosed() {
     archive_.Close();
     desktop_.SetStatus(text("stats2"));
+    // The statistics of an archive that is no longer open would be a lie.
+    desktop_.SetStats("");
     for (const std::string& name : ArchiveCommandNames()) {
         menu_.setEnabled(name, false);
     }

@@ -37,6 +37,19 @@ public:
     Desktop& desktop() { return desktop_; }
     std::string text(std::string_view key) const { return settings_.LookupText(key); }
 
+    // The main window's title: the data file's name, " — Korvel"; the bare
+    // " Korvel" while no archive is open.
+    std::string WindowTitle() const;
+    // The data file's name without its folder ("gta3.img").
+    std::string ArchiveFileName() const;
+    // The status summary beside the statistics: the selection (count and
+    // bytes), the data file's size and the bytes a rebuild would free
+    // (UnusedDataBytes). Empty while no archive is open.
+    std::string ArchiveSummary() const;
+    // Bytes as the window shows them: "512 bytes", "1.5 KB", "2.0 MB", with
+    // the units and the decimal mark of the current language.
+    std::string SizeText(std::uint64_t bytes) const;
+
     void FindHighestOffset();
     // Status panel 2: text(stats1) and the number of rows.
     void ShowEntryCount();
@@ -46,6 +59,9 @@ public:
     bool WriteDirectory();
     void AssignTypeIcons();
     void EnableArchiveCommands();
+    // SelectionCommandNames enabled exactly while an archive is open and at
+    // least one of its entries is selected.
+    void EnableSelectionCommands();
     void ResetToClosed();
     void AddPlaceholderRow();
 

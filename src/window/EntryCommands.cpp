@@ -85,6 +85,7 @@ std::size_t EntryCommands::ExtractSelected(ExtractMode firstMode) {
         return 0;
     }
     std::size_t written = 0;
+    std::size_t failed = 0;
     OverwriteAsking asking;
     // Looked up once: every lookup reads the language file's identity.
     const std::string extracting = editor_.text("extract1") + " ";
@@ -100,21 +101,37 @@ std::size_t EntryCommands::ExtractSelected(ExtractMode firstMode) {
             // again goes on from here.
             desktop.SetStatus(
                 CountedText(editor_.text("extractCancelled"), written, rows.size()));
-            return k - written;
+            return failed;
         }
         desktop.SetStatus(extracting + std::to_string(k + 1) + of);
+        const std::size_t skippedBefore = asking.skipped;
         // The folder is asked for once; later rows follow it through lastExtract.
         if (ExtractEntry(rows[k], k == 0 ? firstMode : ExtractMode::Quick, asking)) {
             ++written;
+        } else if (asking.skipped == skippedBefore && !asking.stopped) {
+            ++failed;
+            const bool noFolder = firstMode == ExtractMode::Ask
+                                      ? TrimBlanks(pickedFolder_).empty()
+                                      : editor_.settings().ReadSetting("lastExtract") == NoPath;
+            if (k == 0 && noFolder) {
+                // No folder chosen: the rest must not go to the last one used,
+                // nor each bring the same message again.
+                return rows.size();
+            }
         }
         table.setSelected(rows[k], false);
     }
     table.setSelected(rows.back(), true);
-    if (asking.skipped != 0 || asking.stopped) {
+    if (failed != 0) {
+        // The last entry's "complete" must not stand for the ones that failed.
+        desktop.SetStatus(editor_.text("extract5") + ": " + std::to_string(written) + " " +
+                          editor_.text("extracted") + ", " + std::to_string(failed) + " " +
+                          editor_.text("addFailed"));
+    } else if (asking.skipped != 0 || asking.stopped) {
         desktop.SetStatus(std::to_string(written) + " " + editor_.text("ovw3") + ", " +
                           std::to_string(rows.size() - written) + " " + editor_.text("filesSkip"));
     }
-    return rows.size() - written;
+    return failed;
 }
 
 bool EntryCommands::ExtractEntry(std::size_t row, ExtractMode mode) {
@@ -230,7 +247,15 @@ void EntryCommands::ViewSelectedEntries() {
             return;
         }
         ShowMissingBytes(editor_, row, copy);
-        editor_.desktop().OpenWithShell(copy.target->string());
+        if (!editor_.desktop().OpenWithShell(copy.target->string())) {
+            // Nothing on this desktop opens the type (no Linux desktop opens
+            // ".txd"): say so and offer to put the entry in a folder instead.
+            if (editor_.desktop().AskYesNo(editor_.text("openFail") + "\n" + ShownName(name) +
+                                               "\n\n" + editor_.text("viewExtract"),
+                                           "")) {
+                (void)ExtractEntry(row, ExtractMode::Ask);
+            }
+        }
     }
 }
 
@@ -266,6 +291,8 @@ void EntryCommands::DeleteSelectedAsking() {
     }
     ShowDeleteProgress(rows.size());
     if (const Status deleted = DeleteRows(editor_.archive(), rows); !deleted.ok()) {
+        // The count shown while working must not stand: nothing was deleted.
+        editor_.desktop().SetStatus("Deleted 0");
         ShowError(deleted.error());
         return;
     }

@@ -35,7 +35,8 @@ public:
     EntryCommands& operator=(const EntryCommands&) = delete;
 
     // --- extracting and viewing ----------------------------------------------
-    // Both return the number of selected entries that were not written.
+    // Both return the number of selected entries that could not be written
+    // (a file the person chose to keep, or a cancel, is not a failure).
     std::size_t ExtractSelectedAskingFolder();
     std::size_t ExtractSelectedToLastFolder();
     // Asks before writing over a file that exists (Yes / Yes to all / No /
@@ -48,7 +49,8 @@ public:
 
     // --- replacing -----------------------------------------------------------
     void ReplaceSelectedAskingFiles();
-    void ReplaceEntryWithDialog(std::size_t row);
+    // True when the entry was replaced (not cancelled, not failed).
+    bool ReplaceEntryWithDialog(std::size_t row);
     // Replaces the row from the file and tells the person as the window does.
     ReplaceResult ReplaceRow(std::size_t row, const std::string& path);
 

@@ -138,7 +138,9 @@ std::size_t EntryCommands::AddFileBatch(const std::vector<std::string>& paths, b
     const bool scan = BooleanWord(editor_.settings().ReadSetting("addingScan")).value_or(false);
     AddBatch batch(editor_.archive(), scan, DuplicateDecider());
     std::size_t failed = 0;
-    std::size_t added = 0;
+    std::size_t added = 0; // added or replacing an entry
+    std::size_t skipped = 0;
+    bool cancelled = false;
     std::string shortened;
     const auto addOne = [&](const std::string& path) {
         const std::string fileName = fs::path(path).filename().string();
@@ -155,14 +157,16 @@ std::size_t EntryCommands::AddFileBatch(const std::vector<std::string>& paths, b
         }
         if (ReportAdded(outcome, name)) {
             ++failed;
-        } else if (outcome.result != AddResult::Skipped) {
+        } else if (outcome.result == AddResult::Skipped) {
+            ++skipped;
+        } else {
             ++added;
         }
     };
 
-    if (fromDialog && paths.size() == 1) {
+    const bool single = fromDialog && paths.size() == 1;
+    if (single) {
         addOne(paths.front());
-        desktop.SetStatus(editor_.text("adding5"));
     } else {
         const std::string of = " " + editor_.text("adding2") + " ";
         std::vector<std::string> textures;
@@ -194,20 +198,37 @@ std::size_t EntryCommands::AddFileBatch(const std::vector<std::string>& paths, b
                 addOne(textures[j]);
             }
         }
-        desktop.SetStatus(work.cancelled()
-                              ? CountedText(editor_.text("addCancelled"), added, paths.size())
-                              : std::to_string(paths.size()) + " " + editor_.text("adding3"));
+        cancelled = work.cancelled();
     }
-    if (const Status written = batch.Finish(); !written.ok()) {
+    const Status written = batch.Finish();
+    if (!written.ok()) {
         ShowError(written.error());
-        failed = std::max<std::size_t>(failed, 1);
+        // The directory file still lists what it listed before: none of them
+        // is in the archive.
+        failed += added;
+        added = 0;
+    }
+    // The count is what the archive now holds, not what was dropped or chosen.
+    if (single && added == 1) {
+        desktop.SetStatus(editor_.text("adding5"));
+    } else if (cancelled) {
+        desktop.SetStatus(CountedText(editor_.text("addCancelled"), added, paths.size()));
+    } else {
+        std::string counts = std::to_string(added) + " " + editor_.text("adding3");
+        if (skipped != 0) {
+            counts += ", " + std::to_string(skipped) + " " + editor_.text("addSkipped");
+        }
+        if (failed != 0) {
+            counts += ", " + std::to_string(failed) + " " + editor_.text("addFailed");
+        }
+        desktop.SetStatus(counts);
     }
     if (!shortened.empty()) {
         desktop.ShowMessage("These names are longer than the " + std::to_string(NameFieldSize) +
                                 " characters an entry's name holds and were shortened:" + shortened,
                             "", MessageIcon::Information);
     }
-    return failed;
+    return written.ok() ? failed : std::max<std::size_t>(failed, 1);
 }
 
 std::vector<std::string> EntryCommands::AddDialog() {

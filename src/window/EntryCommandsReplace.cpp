@@ -76,10 +76,8 @@ void EntryCommands::ReplaceSelectedAskingFiles() {
     }
 }
 
-void EntryCommands::ReplaceEntryWithDialog(std::size_t row) {
-    if (row < editor_.table().size()) {
-        ReplaceWithDialog(row);
-    }
+bool EntryCommands::ReplaceEntryWithDialog(std::size_t row) {
+    return row < editor_.table().size() && ReplaceWithDialog(row);
 }
 
 } // namespace korvel

@@ -71,4 +71,11 @@ const std::vector<std::string>& ArchiveCommandNames() {
     return names;
 }
 
+const std::vector<std::string>& SelectionCommandNames() {
+    static const std::vector<std::string> names = {
+        "EditView", "EditExtract", "EditQuick",       "ComDel",      "ComReplace", "ComRename",
+        "ComMove",  "MenuLCase",   "EditLowCaseName", "EditLowCase", "ConvLFName"};
+    return names;
+}
+
 } // namespace korvel

@@ -52,4 +52,9 @@ private:
 // The 24 archive commands that are enabled only while an archive is open.
 const std::vector<std::string>& ArchiveCommandNames();
 
+// The archive commands that act on the selected entries: enabled only while
+// at least one entry is selected, so that a menu item or key never does
+// nothing without a word.
+const std::vector<std::string>& SelectionCommandNames();
+
 } // namespace korvel

@@ -92,9 +92,11 @@ QuickReplaceCounts QuickReplace::ReplaceSelectedFromFolder(const std::string& fo
         } else if (*option == MissingFileOption::Skip) {
             answer.choice = MissingFileAnswer::Choice::Skip;
         } else if (*option == MissingFileOption::ReplaceSeparately) {
-            // Counted whatever the person does in the file dialog.
-            commands_.ReplaceEntryWithDialog(row);
-            answer.choice = MissingFileAnswer::Choice::ReplacedElse;
+            // Counted as replaced only when it was: a cancelled or failed
+            // file dialog leaves the entry as it was, which is a skip.
+            answer.choice = commands_.ReplaceEntryWithDialog(row)
+                                ? MissingFileAnswer::Choice::ReplacedElse
+                                : MissingFileAnswer::Choice::Skip;
         } else if (auto picked = PickFolder()) {
             answer.choice = MissingFileAnswer::Choice::LookElsewhere;
             answer.folder = *picked;

@@ -16,17 +16,28 @@ constexpr std::size_t CheckStatusStep = 512;
 // over half a billion pairs, more text than any window or clipboard can hold.
 constexpr std::uint64_t CheckPairsListed = 10'000;
 
+// "gta3.img" gives "gta3.txt"; a name without an extension keeps all of it.
+std::string ReportNameFor(const std::string& archiveName, const std::string& extension) {
+    const std::size_t dot = archiveName.rfind('.');
+    return archiveName.substr(0, dot == 0 ? std::string::npos : dot) + "." + extension;
+}
+
 void SaveReportAskingPath(Editor& editor, ReportKind kind) {
+    // Offered as the archive's own name with the report's extension, which
+    // is also added when the person types a name without one.
+    const std::string extension = kind == ReportKind::Text ? "txt" : "html";
     const FileDialogRequest request{editor.text("menub10"),
                                     kind == ReportKind::Text ? editor.text("cdFiles3")
                                                              : editor.text("cdFiles4"),
                                     {},
-                                    {},
+                                    ReportNameFor(editor.ArchiveFileName(), extension),
                                     false};
-    const SaveOutcome outcome =
-        SaveLinesAskingPath(editor, request, true, [&](const std::filesystem::path& path) {
+    const SaveOutcome outcome = SaveLinesAskingPath(
+        editor, request, true,
+        [&](const std::filesystem::path& path) {
             return WriteReport(editor.archive(), editor.settings(), kind, path);
-        });
+        },
+        extension);
     if (outcome == SaveOutcome::Failed) {
         editor.desktop().SetStatus(editor.text("sd8"));
     } else if (outcome == SaveOutcome::Saved) {
@@ -58,6 +69,10 @@ void CheckArchiveAsking(Editor& editor) {
                                       std::to_string(rows));
                 }
             });
+        (void)ForEachCaseOnlyPair(editor.table(),
+                                  [&](const std::string& first, const std::string& second) {
+                                      report.addCaseOnly(first, second);
+                                  });
         if (report.pairs() == 0) {
             desktop.ShowMessage(editor.text("aCheck5"), editor.text("aCheck6"),
                                 MessageIcon::Information);

@@ -19,6 +19,16 @@ std::uint32_t ToColourRef(const Rgb& colour);
 inline constexpr Rgb RestoredColourOne{239, 239, 239};
 inline constexpr Rgb RestoredColourTwo{255, 255, 255};
 
+// Whether the person picked the row colours (or put them back with
+// `restore`): until then the stripes follow the desktop's own colours, so a
+// dark theme gets dark stripes. Remembered as `ownColors` in korvel.ini.
+bool RowColoursChosen(const Settings& settings);
+
+// Black or white, whichever is easier to read on both `first` and `second`
+// (the larger of the two worse contrast ratios): text on the stripes must
+// never be white on white or black on black.
+Rgb ReadableTextOn(const Rgb& first, const Rgb& second);
+
 class RowColours {
 public:
     // `paintRowStripes` repaints the main list after each save.

@@ -8,7 +8,8 @@ namespace korvel {
 
 SaveOutcome SaveLinesAskingPath(Editor& editor, const FileDialogRequest& request,
                                 bool askBeforeReplacing,
-                                const std::function<Status(const std::filesystem::path&)>& write) {
+                                const std::function<Status(const std::filesystem::path&)>& write,
+                                const std::string& defaultExtension) {
     Desktop& desktop = editor.desktop();
     for (;;) {
         const FileDialogAnswer answer = desktop.SaveFileDialog(request);
@@ -18,7 +19,10 @@ SaveOutcome SaveLinesAskingPath(Editor& editor, const FileDialogRequest& request
         if (!answer.chosen() || answer.paths.front().empty()) {
             return SaveOutcome::Cancelled;
         }
-        const std::string& path = answer.paths.front();
+        std::string path = answer.paths.front();
+        if (!defaultExtension.empty() && !std::filesystem::path(path).has_extension()) {
+            path += "." + defaultExtension;
+        }
         // A link, FIFO, device or folder, or a file of the open archive, is
         // never written; the person hears why and may choose again.
         if (const std::string problem =

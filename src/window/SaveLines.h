@@ -19,9 +19,11 @@ enum class SaveOutcome { Saved, Cancelled, Failed };
 // With `askBeforeReplacing` an existing file is only replaced after a Yes to
 // text(fe3) under text(fe2); No offers the dialog again. Then `write` writes
 // the chosen file. A dialog that fails, or a write that fails, is Failed:
-// the caller decides whether the person hears of it.
+// the caller decides whether the person hears of it. A chosen name without an
+// extension gets `defaultExtension` ("txt", no dot) when one is given.
 SaveOutcome SaveLinesAskingPath(Editor& editor, const FileDialogRequest& request,
                                 bool askBeforeReplacing,
-                                const std::function<Status(const std::filesystem::path&)>& write);
+                                const std::function<Status(const std::filesystem::path&)>& write,
+                                const std::string& defaultExtension = {});
 
 } // namespace korvel

@@ -35,7 +35,9 @@ TEST(CliFind, PrintsOneLinePerMatchAndExitCodes) {
         {{"find-in", Demo, "LAMP", "--collisions"}, 0, "lamppost1\tgeneric.col\t23\n"},
         {{"find-in", Demo, "x"}, 2, ""},
         {{"find-in", Demo, "x", "--textures", "--collisions"}, 2, ""},
-        {{"check", Demo}, 0, "lamppost1.dff\n"},
+        {{"check", Demo},
+         0,
+         "lamppost1.dff\ncase\tPlayer.DFF\tplayer.dff\ncase\tgeneric.txd\tGENERIC.TXD\n"},
     };
     for (const Case& c : cases) {
         const auto result = RunCli(c.args);
@@ -64,7 +66,7 @@ TEST(CliReport, WritesTheReportInTheChosenLanguage) {
         const char* language;
         const char* firstLine;
     } cases[] = {{"--text", "english", "//   Archive report\r\n"},
-                 {"--html", "english", "<title>Archive report</title>"},
+                 {"--html", "english", "<meta charset=\"windows-1252\">\r\n"},
                  {"--text", "DEUTSCH", "//   Archivbericht\r\n"}};
     for (const auto& c : cases) {
         test::WriteBytes(out, std::string(200'000, '\x01'));

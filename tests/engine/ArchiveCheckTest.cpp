@@ -2,6 +2,7 @@
 // (window layer).
 #include "archive/ArchiveCheck.h"
 #include "EditorHarness.h"
+#include "archive/FreeSpace.h"
 #include "window/ReportCommands.h"
 
 #include <gtest/gtest.h>
@@ -38,6 +39,37 @@ TEST(ForEachDuplicatePair, MatchesThePairwiseComparison) {
     }
 }
 
+EntryTable TableOf(const std::vector<Entry>& rows) {
+    EntryTable table;
+    table.assign(rows);
+    return table;
+}
+
+TEST(ForEachCaseOnlyPair, PairsEachTwoSpellingsOnce) {
+    const std::pair<std::vector<Entry>, std::string> cases[] = {
+        {{{0, 1, "a.dff"}, {0, 1, "a.dff"}, {0, 1, "b"}}, ""},
+        {{{0, 1, "a.dff"}, {0, 1, "A.DFF"}, {0, 1, "a.dff"}, {0, 1, "A.dff"}},
+         "a.dff/A.DFF a.dff/A.dff A.DFF/A.dff "},
+        {{{0, 1, "x"}, {0, 1, "caf\xE9"}, {0, 1, "CAF\xC9"}, {0, 1, "X"}}, "x/X caf\xE9/CAF\xC9 "}};
+    for (const auto& [rows, expected] : cases) {
+        std::string found;
+        (void)ForEachCaseOnlyPair(TableOf(rows), [&](const std::string& a, const std::string& b) {
+            found += a + "/" + b + " ";
+        });
+        EXPECT_EQ(found, expected);
+    }
+}
+
+TEST(UnusedDataBytes, FileLengthLessTheUnionOfTheEntries) {
+    const std::tuple<std::vector<Entry>, std::uint64_t, std::uint64_t> cases[] = {
+        {{}, 3000, 3000},
+        {{{0, 1, "a"}, {2, 1, "b"}}, 3 * SectorSize, SectorSize},
+        {{{0, 2, "a"}, {1, 2, "b"}, {1, 1, "c"}}, 4 * SectorSize, SectorSize}, // overlaps once
+        {{{1, 9, "a"}, {50, 1, "b"}, {0, 0, "c"}}, 3 * SectorSize + 5, SectorSize}}; // past the end
+    for (const auto& [rows, length, unused] : cases)
+        EXPECT_EQ(UnusedDataBytes(TableOf(rows), length), unused) << length;
+}
+
 using CheckCommandTest = test::EditorHarness;
 
 TEST_F(CheckCommandTest, ShowsAndCopiesOnlyWhatItFound) {
@@ -68,6 +100,11 @@ TEST_F(CheckCommandTest, ShowsAndCopiesOnlyWhatItFound) {
          report,
          {progress + " 1/6", progress + " 6/6", shown + report + "\n" + text("aCheck3"), done}},
         {{{0, 1, "abc.dff"}, {0, 1, "ABC.DFF"}},
+         "yes",
+         text("aCheckCase") + "\r\nabc.dff / ABC.DFF",
+         {progress + " 1/2", progress + " 2/2",
+          shown + text("aCheckCase") + "\r\nabc.dff / ABC.DFF\n" + text("aCheck3"), done}},
+        {{{0, 1, "abc.dff"}, {0, 1, "b.col"}},
          "yes",
          "before",
          {progress + " 1/2", progress + " 2/2", shown + text("aCheck5"), done}},

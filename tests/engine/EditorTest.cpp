@@ -32,6 +32,7 @@ protected:
         EXPECT_TRUE(editor.table().empty()) << label;
         for (const std::string& name : ArchiveCommandNames())
             EXPECT_FALSE(editor.menu().isEnabled(name)) << label << " " << name;
+        EXPECT_EQ(desktop.stats + editor.ArchiveSummary() + editor.WindowTitle(), " Korvel");
     }
 };
 
@@ -45,8 +46,19 @@ TEST_F(EditorTest, OpeningListsTheRecordsAndEnablesTheCommands) {
     EXPECT_EQ(editor.highestOffset(), 3 * SectorSize);
     EXPECT_EQ(editor.menu().caption("recent1"), img);
     for (const std::string& name : ArchiveCommandNames())
-        EXPECT_TRUE(editor.menu().isEnabled(name)) << name;
+        EXPECT_NE(editor.menu().isEnabled(name),
+                  std::count(SelectionCommandNames().begin(), SelectionCommandNames().end(), name));
+    editor.table().setSelected(1, true);
+    editor.EnableSelectionCommands();
+    EXPECT_TRUE(editor.menu().isEnabled("ComDel"));
     EXPECT_TRUE(desktop.said("message").empty());
+    // The fifth sector is unused; a.txd (two sectors) is selected.
+    test::WriteBytes(img, std::string(5 * SectorSize, 'x'));
+    EXPECT_EQ(editor.ArchiveSummary(), text("sbSel") + " 1 (4.0 KB)   " + text("sbSize") +
+                                           " 10.0 KB   " + text("sbFree") + " 2.0 KB");
+    EXPECT_EQ(editor.SizeText(1023) + editor.SizeText(3 << 20), "1023 bytes3.0 MB");
+    settings.WriteSetting("francais", "language");
+    EXPECT_EQ(editor.SizeText(1536) + editor.SizeText(5ull << 30), "1,5 Ko5,0 Go");
 }
 
 TEST_F(EditorTest, RefusedArchivesAreReportedAndLeaveTheEditorClosed) {

@@ -82,22 +82,28 @@ TEST_F(Extract, AnExistingFileIsWrittenOverOnlyWhenThePersonSaysSo) {
 TEST_F(Extract, QuickWithoutAFolderAndACancelledDialog) {
     open({{0, 1, "a.dff"}, {1, 1, "b.dff"}}, 2 * SectorSize);
     select({0, 1});
-    // No folder remembered: one message per row, no files, extract2.
+    // No folder remembered: one message, no files, extract2.
     EXPECT_EQ(commands.ExtractSelectedToLastFolder(), 2u);
     const std::string message = "message(Information) " + text("menuc3") + ": " + text("extract3") +
                                 "\r\n" + text("extract4");
-    EXPECT_EQ(desktop.said("message"), (std::vector<std::string>{message, message}));
+    EXPECT_EQ(desktop.said("message"), (std::vector<std::string>{message}));
     EXPECT_EQ(desktop.status, text("extract2"));
 
-    // Cancelling the dialog skips the first row; the second goes to lastExtract.
+    // Cancelling the dialog extracts nothing, not even to lastExtract.
     fs::create_directories(folder / "last");
     settings.WriteSetting((folder / "last").string(), "lastExtract");
     select({0, 1});
     desktop.answer({Cancel});
-    EXPECT_EQ(commands.ExtractSelectedAskingFolder(), 1u);
-    EXPECT_FALSE(fs::exists(folder / "last" / "a.dff"));
-    EXPECT_TRUE(fs::exists(folder / "last" / "b.dff"));
+    EXPECT_EQ(commands.ExtractSelectedAskingFolder(), 2u);
+    EXPECT_TRUE(fs::is_empty(folder / "last"));
     EXPECT_EQ(settings.ReadSetting("lastExtract"), (folder / "last").string());
+
+    // A failed entry is counted, not hidden behind the last one's "complete".
+    open({{0, 1, "a.dff"}, {0, 1, "../up.dff"}}, SectorSize);
+    select({0, 1});
+    EXPECT_EQ(commands.ExtractSelectedToLastFolder(), 1u);
+    EXPECT_EQ(desktop.status,
+              text("extract5") + ": 1 " + text("extracted") + ", 1 " + text("addFailed"));
 }
 
 TEST_F(Extract, NamesThatWouldLeaveTheFolderAreRefusedAndTheRestWritten) {

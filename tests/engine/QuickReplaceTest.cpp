@@ -51,7 +51,7 @@ TEST_F(QuickReplaceTest, EachChoiceForAMissingFile) {
             {"3", Skip, "", 2, "bbbbbbbb", "new c"},
             // Escape: that entry is skipped, the stored "separately" is not applied.
             {"2", {}, "", 2, "bbbbbbbb", "new c"},
-            {"1", ReplaceSeparately, Cancel, 3, "bbbbbbbb", "new c"}, // still counted
+            {"1", ReplaceSeparately, Cancel, 2, "bbbbbbbb", "new c"}, // cancelled: a skip
             {"1", NewLocation, Cancel, 2, "bbbbbbbb", "new c"},
             {"1", ReplaceSeparately, picked, 3, "picked b", "new c"},
             {"1", NewLocation, in2, 3, "in2 b", "in2 c"}, // c.dff comes from there too

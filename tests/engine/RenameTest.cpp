@@ -42,12 +42,12 @@ TEST_F(Rename, NameCaseCommands) {
         const char* status;
     };
     const Case cases[] = {
-        {NameCase::BeforeExtension, {"bus.DFF", "NOTES", "A.B", "KEEP.TXD"}, "1 lcase1"},
-        {NameCase::Extension, {"BUS.dff", "NOTES", "A.B", "KEEP.TXD"}, "1 lcase2"},
-        {NameCase::Whole, {"bus.dff", "notes", "a.b", "KEEP.TXD"}, "3 lcase1"},
+        {NameCase::BeforeExtension, {"bus.DFF", "NOTES", "a.b", "KEEP.TXD"}, "1 lcase1"},
+        {NameCase::Extension, {"BUS.dff", "NOTES", "a.b", "KEEP.TXD"}, "1 lcase2"},
+        {NameCase::Whole, {"bus.dff", "notes", "a.b", "KEEP.TXD"}, "2 lcase1"}, // a.b was already
     };
     for (const Case& c : cases) {
-        open({{0, 1, "BUS.DFF"}, {1, 1, "NOTES"}, {2, 1, "A.B"}, {3, 1, "KEEP.TXD"}},
+        open({{0, 1, "BUS.DFF"}, {1, 1, "NOTES"}, {2, 1, "a.b"}, {3, 1, "KEEP.TXD"}},
              4 * SectorSize);
         select({0, 1, 2});
         commands.LowerCaseSelected(c.which);

@@ -88,6 +88,12 @@ TEST_F(ReportCommandsTest, AsksBeforeReplacingAndSaysHowItWent) {
     EXPECT_EQ(desktop.conversation.size(), 2u);
     EXPECT_EQ(test::ReadBytes(out), written);
 
+    // Offered under the archive's name; a name typed without extension gets one.
+    desktop.answer({(folder / "mine").string()});
+    SaveHtmlReportAskingPath(editor);
+    EXPECT_EQ(desktop.lastFileDialog.presetName, "rep.html");
+    EXPECT_TRUE(fs::exists(folder / "mine.html"));
+
     // A failing dialog, a file that cannot be created, a missing data file.
     const std::vector<std::string> failures = {
         test::Fail, (folder / "no-such-folder" / "r.txt").string(), (folder / "r2.txt").string()};

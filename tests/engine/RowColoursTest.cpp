@@ -13,6 +13,14 @@ TEST(ToColourRef, PlainColoursPassThroughAndAnythingElseIsAllBits) {
         EXPECT_EQ(ToColourRef(colour), expected) << colour.red << "," << colour.blue;
 }
 
+TEST(ReadableTextOn, DarkTextOnLightRowsLightTextOnDarkRows) {
+    const Rgb black{0, 0, 0}, white{255, 255, 255};
+    EXPECT_EQ(ReadableTextOn({233, 233, 233}, white), black);
+    EXPECT_EQ(ReadableTextOn({30, 30, 30}, {45, 45, 45}), white);
+    EXPECT_EQ(ReadableTextOn({0, 0, 255}, {60, 0, 0}), white); // the darker pair wins
+    EXPECT_EQ(ReadableTextOn({255, 255, 0}, {0, 0, 139}), black);
+}
+
 // How one value reads is the colour values' test; here: the keys each line
 // uses, the first-run fallback per value, the repaints and what is said.
 using RowColoursTest = EditorHarness;

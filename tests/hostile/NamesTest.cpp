@@ -103,6 +103,12 @@ TEST_F(HostileView, OnlyKnownKindsOfFilesGoToTheDesktop) {
     EXPECT_EQ(desktop.shellOpened, (std::vector<std::string>{(TempsFolder() / "car.DFF").string(),
                                                              (TempsFolder() / "a.txt").string()}));
     EXPECT_EQ(ReadBytes(TempsFolder() / "car.DFF"), imgBytes().substr(4 * SectorSize, SectorSize));
+    desktop.shellOpens = false;
+    select({4});
+    desktop.answer({"yes", folder.path().string()});
+    commands.ViewSelectedEntries();
+    EXPECT_EQ(desktop.said("ask").front().find("ask : " + text("openFail") + "\ncar.DFF"), 0u);
+    EXPECT_TRUE(fs::exists(folder / "car.DFF"));
 }
 
 } // namespace

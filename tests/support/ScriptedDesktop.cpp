@@ -54,6 +54,7 @@ OverwriteAnswer ScriptedDesktop::AskOverwrite(const std::string& text, const std
 }
 
 FileDialogAnswer ScriptedDesktop::fileDialog(const char* kind, const FileDialogRequest& request) {
+    lastFileDialog = request;
     const std::string reply = next(std::string(kind) + " dialog " + request.title);
     conversation.push_back(std::string(kind) + " " + request.title + " [" + request.filter +
                            "] -> " + reply);
@@ -144,7 +145,7 @@ void ScriptedDesktop::SetClipboardText(const std::string& text) {
 bool ScriptedDesktop::OpenWithShell(const std::string& pathOrAddress) {
     shellOpened.push_back(pathOrAddress);
     conversation.push_back("shell open: " + pathOrAddress);
-    return true;
+    return shellOpens;
 }
 
 } // namespace korvel::test

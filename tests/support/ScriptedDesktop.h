@@ -29,6 +29,9 @@ public:
     std::string archivePath;
     // Cancel is pressed at the `cancelAtPoll`-th ProgressCancelled from now (0: never).
     std::size_t cancelAtPoll = 0;
+    // What OpenWithShell answers: false as on a desktop with no program for the type.
+    bool shellOpens = true;
+    FileDialogRequest lastFileDialog;
 
     void answer(std::initializer_list<std::string> next) {
         answers.insert(answers.end(), next.begin(), next.end());

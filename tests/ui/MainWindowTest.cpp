@@ -82,6 +82,8 @@ private slots:
     void headerSortsTheViewOnlyAndTheSortMenuClearsIt();
     void copyPutsTheSelectedEntriesOnTheClipboardAsFiles();
     void nameColumnFillsAndThePlaceIsRememberedWhenItFits();
+    void titleIconAndStatusFollowTheArchiveAndTheSelection();
+    void viewAsksTheDesktopWhetherAnyProgramOpensTheType();
 };
 
 void MainWindowTest::menuBarFollowsTheMenuTree() {
@@ -128,8 +130,13 @@ void MainWindowTest::menuStateIsMirroredIntoTheActionsAndTheList() {
     env->action("OptGrid")->trigger();
     env->action("OptCols")->trigger();
     QVERIFY(view->showGrid() && view->alternatingRowColors());
+    QCOMPARE(view->palette().color(QPalette::AlternateBase),
+             QApplication::palette().color(QPalette::AlternateBase));
+    env->settings.WriteSetting("True", "ownColors");
+    w->commands().PaintRowStripes();
     QCOMPARE(view->palette().color(QPalette::Base), QColor(10, 233, 233));
     QCOMPARE(view->palette().color(QPalette::AlternateBase), QColor(255, 255, 255));
+    QCOMPARE(view->palette().color(QPalette::Text), QColor(0, 0, 0));
     env->action("FileClose")->trigger();
     QVERIFY(!env->action("FileClose")->isEnabled());
     env->action("lang2")->trigger();
@@ -343,6 +350,31 @@ void MainWindowTest::nameColumnFillsAndThePlaceIsRememberedWhenItFits() {
     korvel::ui::MainWindow third(env->settings);
     const QRect room = third.screen()->availableGeometry();
     QVERIFY(third.width() <= room.width() && third.height() <= room.height());
+}
+
+void MainWindowTest::titleIconAndStatusFollowTheArchiveAndTheSelection() {
+    QCOMPARE(w->windowTitle(), QString::fromUtf8("a&b.img \u2014 Korvel"));
+    QVERIFY(!w->windowIcon().isNull());
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, rowCentre(1));
+    QTRY_VERIFY(w->summaryPanel()->text().startsWith(env->text("sbSel") + " 1 ("));
+    QVERIFY(env->action("ComDel")->isEnabled());
+    env->action("FileClose")->trigger();
+    QCOMPARE(w->windowTitle(), QString(" Korvel"));
+    QVERIFY(w->statsPanel()->text().isEmpty() && w->summaryPanel()->isHidden());
+}
+
+void MainWindowTest::viewAsksTheDesktopWhetherAnyProgramOpensTheType() {
+    using korvel::test::WriteBytes;
+    const auto at = [&](const char* name) { return env->folder / name; };
+    WriteBytes(at("xdg-mime"), "#!/bin/sh\n[ \"$3\" = text/plain ] && echo a.desktop\n");
+    std::filesystem::permissions(at("xdg-mime"), std::filesystem::perms::owner_all);
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", QByteArray(env->folder.path().c_str()) + ":" + path);
+    const auto opens = [&](const char* name) {
+        return korvel::ui::QtDesktop::HasDefaultApplication(QString::fromStdString(at(name)));
+    };
+    QVERIFY(!opens("x.txd") && opens("x.txt"));
+    qputenv("PATH", path);
 }
 
 QTEST_MAIN(MainWindowTest)
