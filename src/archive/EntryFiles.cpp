@@ -82,8 +82,9 @@ Status CheckAppendPlacement(std::uint64_t offset, std::uint64_t sectors, std::ui
     // A last entry held only in part still counts as held, as in SectorsPresent.
     if (offset > SectorsForFile(dataLength) * SectorSize) {
         return Status::Failed("the directory lists entries beyond the end of the data file (" +
-                              std::to_string(dataLength) +
-                              " bytes); rebuild the archive before adding to it");
+                                  std::to_string(dataLength) +
+                                  " bytes); rebuild the archive before adding to it",
+                              "entriesBeyondData", {std::to_string(dataLength)});
     }
     return Status::Ok();
 }

@@ -8,7 +8,8 @@ ExtractResult ExtractEntryTo(const Archive& archive, std::size_t row,
                              const std::filesystem::path& folder) {
     ExtractResult result;
     if (row >= archive.table().size()) {
-        result.status = Status::Failed("there is no row " + std::to_string(row + 1));
+        result.status = Status::Failed("there is no row " + std::to_string(row + 1), "noSuchRow",
+                                       {std::to_string(row + 1)});
         return result;
     }
     const Entry& entry = archive.table()[row];

@@ -381,7 +381,7 @@ Status RenameNewPairIntoPlace(const RebuildFiles& files) {
 RebuildResult RebuildArchive(const Archive& archive, const RebuildProgress& progress) {
     RebuildResult result;
     if (!archive.isOpen()) {
-        result.status = Status::Failed("no archive is open");
+        result.status = Status::Failed("no archive is open", "noArchiveOpen", {});
         return result;
     }
     const ArchiveLock lock = LockForWriting(archive);

@@ -5,6 +5,7 @@
 #include "ui/AboutBox.h"
 #include "ui/ArchiveView.h"
 #include "ui/EntryModel.h"
+#include "ui/QtTranslations.h"
 #include "ui/SearchCommands.h"
 #include "ui/ToolWindows.h"
 #include "window/MenuTree.h"
@@ -35,6 +36,31 @@ QString Q(const std::string& text) {
 // Captions are plain text; an ampersand in a path must not become a mnemonic.
 QString Caption(const std::string& text) {
     return Q(text).replace('&', QStringLiteral("&&"));
+}
+
+// How an item's caption reaches the screen. Texts from lang.ini carry their
+// mnemonic; the others (recent paths, the home page) are plain text, and a
+// language's section name is underlined at its first letter.
+enum class CaptionForm { Mnemonic, Plain, FirstLetter };
+const char* const CaptionFormProperty = "korvelCaptionForm";
+
+CaptionForm FormOf(const MenuNode& node) {
+    if (!node.textKey.empty()) {
+        return CaptionForm::Mnemonic;
+    }
+    return node.name.starts_with("lang") ? CaptionForm::FirstLetter : CaptionForm::Plain;
+}
+
+QString Displayed(CaptionForm form, const std::string& caption) {
+    switch (form) {
+    case CaptionForm::Mnemonic:
+        return Q(caption);
+    case CaptionForm::FirstLetter:
+        return QStringLiteral("&") + Caption(caption);
+    case CaptionForm::Plain:
+        break;
+    }
+    return Caption(caption);
 }
 
 } // namespace
@@ -117,6 +143,7 @@ MainWindow::~MainWindow() {
 
 void MainWindow::startup(const std::string& commandLine) {
     commands_.Startup(commandLine);
+    UseQtTranslations(editor_.settings().ReadSetting("language"));
 }
 
 int MainWindow::twipsToPixelsX(int twips) const {
@@ -131,6 +158,7 @@ void MainWindow::buildMenus() {
     for (const MenuNode& top : MainMenuTree()) {
         QMenu* menu = menuBar()->addMenu(Q(top.caption));
         menu->setObjectName(Q(top.name));
+        menu->menuAction()->setProperty(CaptionFormProperty, static_cast<int>(FormOf(top)));
         menu->menuAction()->setObjectName(Q(top.name));
         menus_.insert(Q(top.name), menu);
         actions_.insert(Q(top.name), menu->menuAction());
@@ -148,16 +176,18 @@ void MainWindow::addMenuItems(QMenu* menu, const std::vector<MenuNode>& nodes) {
             continue;
         }
         if (node.isSubMenu()) {
-            QMenu* sub = menu->addMenu(Caption(node.caption));
+            QMenu* sub = menu->addMenu(Displayed(FormOf(node), node.caption));
             sub->setObjectName(name);
+            sub->menuAction()->setProperty(CaptionFormProperty, static_cast<int>(FormOf(node)));
             sub->menuAction()->setObjectName(name);
             menus_.insert(name, sub);
             actions_.insert(name, sub->menuAction());
             addMenuItems(sub, node.children);
             continue;
         }
-        QAction* item = menu->addAction(Caption(node.caption));
+        QAction* item = menu->addAction(Displayed(FormOf(node), node.caption));
         item->setObjectName(name);
+        item->setProperty(CaptionFormProperty, static_cast<int>(FormOf(node)));
         item->setCheckable(node.checkable);
         if (!node.shortcut.empty()) {
             item->setShortcut(QKeySequence(Q(node.shortcut), QKeySequence::PortableText));
@@ -172,7 +202,8 @@ void MainWindow::mirror(const std::string& name, const MenuItemState& state) {
     if (item == nullptr || item->isSeparator()) {
         return;
     }
-    item->setText(Caption(state.caption));
+    item->setText(Displayed(static_cast<CaptionForm>(item->property(CaptionFormProperty).toInt()),
+                            state.caption));
     item->setEnabled(state.enabled);
     item->setVisible(state.visible);
     if (item->isCheckable()) {
@@ -210,7 +241,7 @@ void MainWindow::CloseMainWindow() {
 }
 
 void MainWindow::ShowAboutBox() {
-    AboutBox box(QStringLiteral(" ") + Q(editor_.text("menue3")), this);
+    AboutBox box(editor_.settings(), this);
     box.exec();
 }
 
@@ -254,6 +285,13 @@ void MainWindow::ClearColumnHeaders() {
 void MainWindow::AddColumnHeader(const std::string& text, int widthTwips) {
     model_->addColumn(Q(text));
     view_->setColumnWidth(model_->columnCount() - 1, twipsToPixelsX(widthTwips));
+}
+
+void MainWindow::LanguageChanged() {
+    UseQtTranslations(editor_.settings().ReadSetting("language"));
+    tools_->relabel();
+    finds_->relabel();
+    dialogs_.relabel();
 }
 
 void MainWindow::SetGridLines(bool shown) {

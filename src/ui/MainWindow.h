@@ -4,14 +4,14 @@
 // call the engine, and the engine's menu state is mirrored into the actions.
 #pragma once
 
-#include "window/EntryCommands.h"
-#include "window/QuickReplaceCommand.h"
 #include "ui/QtDesktop.h"
 #include "ui/QtEntryDialogs.h"
 #include "ui/QuickReplaceDialog.h"
 #include "window/CommandTable.h"
 #include "window/Editor.h"
+#include "window/EntryCommands.h"
 #include "window/MainCommands.h"
+#include "window/QuickReplaceCommand.h"
 
 #include <QHash>
 #include <QMainWindow>
@@ -76,6 +76,7 @@ private:
     void AddColumnHeader(const std::string& text, int widthTwips) override;
     void SetGridLines(bool shown) override;
     void SetRowStripes(std::optional<std::pair<Rgb, Rgb>> colours) override;
+    void LanguageChanged() override;
 
     // WindowOnlyCommands
     void CloseMainWindow() override;

@@ -50,8 +50,8 @@ void RecordDuplicateAnswer(Settings& settings, const DuplicateDialogAnswer& answ
 // --- adding --------------------------------------------------------------------
 
 void EntryCommands::ReportAddFailure(const std::string& description, const std::string& name) {
-    editor_.desktop().ShowMessage(AddFailureText(editor_.settings(), description, name), "Error",
-                                  MessageIcon::Exclamation);
+    editor_.desktop().ShowMessage(AddFailureText(editor_.settings(), description, name),
+                                  editor_.text("errorTitle"), MessageIcon::Exclamation);
 }
 
 DecideDuplicate EntryCommands::DuplicateDecider() {
@@ -103,13 +103,13 @@ bool EntryCommands::ReportAdded(const AddOutcome& outcome, const std::string& na
         break;
     }
     if (outcome.directoryNotWritten) {
-        ShowError(outcome.status.error());
+        ShowError(outcome.status);
         ReportAddFailure(std::string(DirectoryNotWrittenText), name);
     } else {
-        ReportAddFailure(outcome.status.error(), name);
+        ReportAddFailure(StatusText(editor_.settings(), outcome.status), name);
     }
     if (!outcome.directoryAfterFailure.ok()) {
-        ShowError(outcome.directoryAfterFailure.error());
+        ShowError(outcome.directoryAfterFailure);
     }
     return true;
 }
@@ -160,16 +160,17 @@ std::size_t EntryCommands::AddFileBatch(const std::vector<std::string>& paths, b
             }
             addOne(textures[j]);
         }
-        desktop.SetStatus(std::to_string(paths.size()) + " " + editor_.text("adding3"));
+        desktop.SetStatus(editor_.settings().LookupCountText("filesAdded", paths.size()));
     }
     if (const Status written = batch.Finish(); !written.ok()) {
-        ShowError(written.error());
+        ShowError(written);
         failed = std::max<std::size_t>(failed, 1);
     }
     if (!shortened.empty()) {
-        desktop.ShowMessage("These names are longer than the " + std::to_string(NameFieldSize) +
-                                " characters an entry's name holds and were shortened:" + shortened,
-                            "", MessageIcon::Information);
+        desktop.ShowMessage(
+            editor_.settings().LookupFilled("namesShortened", {std::to_string(NameFieldSize)}) +
+                shortened,
+            "", MessageIcon::Information);
     }
     return failed;
 }

@@ -149,6 +149,7 @@ void MainCommands::SwitchLanguage(int slot) {
     list_.ClearColumnHeaders();
     AddListColumnHeaders();
     editor_.ReloadArchive();
+    list_.LanguageChanged();
     editor_.desktop().SetStatus(editor_.settings().ReadSetting("language") + " " + text("sd5"));
 }
 
@@ -220,8 +221,8 @@ void MainCommands::ClearSelection() {
 void MainCommands::SelectAllEntries() {
     ClearSelection();
     editor_.table().selectAll();
-    editor_.desktop().SetStatus(text("select1") + " " + std::to_string(editor_.table().size()) +
-                                " " + text("select2"));
+    editor_.desktop().SetStatus(
+        editor_.settings().LookupCountText("selected", editor_.table().size()));
 }
 
 void MainCommands::SelectByType(std::string_view item) {

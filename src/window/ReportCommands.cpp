@@ -17,7 +17,7 @@ constexpr std::size_t CheckStatusStep = 512;
 constexpr std::uint64_t CheckPairsListed = 10'000;
 
 void SaveReportAskingPath(Editor& editor, ReportKind kind) {
-    const FileDialogRequest request{editor.text("menub10"),
+    const FileDialogRequest request{editor.settings().LookupPlainText("menub10"),
                                     kind == ReportKind::Text ? editor.text("cdFiles3")
                                                              : editor.text("cdFiles4"),
                                     {},
@@ -47,7 +47,7 @@ void SaveHtmlReportAskingPath(Editor& editor) {
 void CheckArchiveAsking(Editor& editor) {
     Desktop& desktop = editor.desktop();
     if (desktop.AskYesNo(editor.text("aCheck1") + "\n" + editor.text("rebuild2"),
-                         editor.text("menub8") + "?")) {
+                         editor.settings().LookupPlainText("menub8") + "?")) {
         const std::string label = editor.text("aCheck4");
         DuplicateReport report(editor.settings(), CheckPairsListed);
         (void)ForEachDuplicatePair(
