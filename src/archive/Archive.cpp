@@ -306,13 +306,15 @@ Status CreateEmptyArchive(const std::string& dataPath, const std::vector<std::st
                           std::string& openPath) {
     if (DirectoryIsDataFile(dataPath)) {
         return Status::Failed("cannot create " + dataPath +
-                              ": its directory file would be the data file itself");
+                                  ": its directory file would be the data file itself",
+                              "dirIsData", {dataPath});
     }
     const std::filesystem::path dirPath = DirectoryPathFor(dataPath);
     for (const std::string& file : ExistingOf(dataPath, dirPath)) {
         if (!IsConfirmed(file, confirmed)) {
             return Status::Failed("cannot create " + dataPath + ": it would empty " + file +
-                                  ", which was not confirmed");
+                                      ", which was not confirmed",
+                                  "emptyNotConfirmed", {dataPath, file});
         }
     }
     for (const std::string& path : {dataPath, dirPath.string()}) {

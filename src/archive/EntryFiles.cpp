@@ -77,7 +77,7 @@ std::uint32_t SectorsPresent(const Entry& entry, std::uint64_t dataLength) {
 Status CheckAppendPlacement(std::uint64_t offset, std::uint64_t sectors, std::uint64_t dataLength) {
     if (offset / SectorSize > std::numeric_limits<std::uint32_t>::max() ||
         sectors > std::numeric_limits<std::uint32_t>::max()) {
-        return Status::Failed("the archive cannot address data beyond 8 TiB");
+        return Status::Failed("the archive cannot address data beyond 8 TiB", "archiveTooBig", {});
     }
     // A last entry held only in part still counts as held, as in SectorsPresent.
     if (offset > SectorsForFile(dataLength) * SectorSize) {

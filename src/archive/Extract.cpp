@@ -15,7 +15,8 @@ ExtractResult ExtractEntryTo(const Archive& archive, std::size_t row,
     const Entry& entry = archive.table()[row];
     result.target = EntryFileIn(folder, entry.name);
     if (!result.target) {
-        result.status = Status::Failed(UnsafeNameProblem(entry.name));
+        result.status = Status::Failed(UnsafeNameProblem(entry.name), "unsafeFileName",
+                                       {ShownName(entry.name)});
         return result;
     }
     EntryCopy copy = CopyEntryToFile(archive, entry, *result.target);

@@ -294,8 +294,8 @@ Status WriteNewData(const EntryTable& table, File& in, const fs::path& newData,
     for (std::size_t row = 0; row < table.size(); ++row) {
         const Entry& entry = table[row];
         if (running > std::numeric_limits<std::uint32_t>::max()) {
-            return Status::Failed(
-                "the rebuilt archive would be larger than an archive can address");
+            return Status::Failed("the rebuilt archive would be larger than an archive can address",
+                                  "rebuildTooBig", {});
         }
         spans.push_back({entry.byteOffset(), std::uint64_t{present[row]} * SectorSize});
         records.push_back({static_cast<std::uint32_t>(running), present[row], entry.name});

@@ -142,8 +142,11 @@ MainWindow::~MainWindow() {
 }
 
 void MainWindow::startup(const std::string& commandLine) {
-    commands_.Startup(commandLine);
+    // The first start's question already speaks the language korvel.ini
+    // starts with, Qt's buttons included.
+    editor_.settings().EnsureSettingsFile();
     UseQtTranslations(editor_.settings().ReadSetting("language"));
+    commands_.Startup(commandLine);
 }
 
 int MainWindow::twipsToPixelsX(int twips) const {
