@@ -60,8 +60,7 @@ TEST(LanguageMenu, SlotsFillInFileOrderAndCheckTheSettingIgnoringCase) {
     }
 }
 
-// Every key line of every section of the shipped lang.ini, in file order,
-// keys lower-cased (duplicates kept).
+// Every section's key lines in file order, keys lower-cased, repeats kept.
 using Lines = std::vector<std::pair<std::string, std::string>>;
 std::map<std::string, Lines> ShippedLines() {
     std::map<std::string, Lines> sections;
@@ -97,7 +96,6 @@ std::set<std::string> KeysNamedInSources(const std::set<std::string>& anyShipped
             const std::string key = ToLowerCp1252((*word)[1].str());
             if (anyShippedKey.contains(key))
                 keys.insert(key);
-            // A count's wording: both forms.
             if (anyShippedKey.contains(key + "one"))
                 keys.insert({key + "one", key + "many"});
         }
@@ -151,38 +149,30 @@ TEST(ShippedLanguages, SectionsMatchKeyForKey) {
 // The captions shown together: every menu of the tree, and each dialog's
 // controls (the find windows show files1..files5 beside their own buttons).
 TEST(ShippedLanguages, MnemonicsAreUniqueWhereShownTogether) {
+    // clang-format off
     std::vector<std::vector<std::string>> groups = {
-        {"dup3", "dup4", "dup5", "dup6", "dup8", "okButton"},
-        {"qr4", "qr5", "qr6", "okButton"},
-        {"sd6", "nn2", "okButton"},
-        {"lc1", "lc2", "lc4", "okButton"},
-        {"find1", "sd9", "find2", "files1", "files2", "files3", "files4", "files5", "find3",
-         "find4"},
-        {"find6", "find4"},
-        {"sd10", "sd11", "sd12", "sd13", "menuc2", "menuc3"},
-    };
-    const auto addMenu = [&groups](const std::vector<MenuNode>& items) {
-        groups.emplace_back();
-        for (const MenuNode& item : items)
+        {"dup3", "dup4", "dup5", "dup6", "dup8", "okButton"}, {"qr4", "qr5", "qr6", "okButton"},
+        {"sd6", "nn2", "okButton"}, {"lc1", "lc2", "lc4", "okButton"}, {"find6", "find4"},
+        {"find1", "sd9", "find2", "files1", "files2", "files3", "files4", "files5", "find3", "find4"},
+        {"sd10", "sd11", "sd12", "sd13", "menuc2", "menuc3"}};
+    // clang-format on
+    const std::vector<MenuNode> bar{{"bar", "", "", "", false, MainMenuTree()}};
+    ForEachMenuNode(bar, [&](const MenuNode& node) {
+        if (node.isSubMenu())
+            groups.emplace_back();
+        for (const MenuNode& item : node.children)
             if (!item.textKey.empty())
                 groups.back().push_back(item.textKey);
-    };
-    addMenu(MainMenuTree());
-    ForEachMenuNode(MainMenuTree(), [&](const MenuNode& node) {
-        if (node.isSubMenu())
-            addMenu(node.children);
     });
     for (const auto& [name, lines] : ShippedLines()) {
         const std::map<std::string, std::string> values(lines.begin(), lines.end());
         for (const auto& group : groups) {
             std::map<char, std::string> taken;
             for (const std::string& key : group) {
-                const std::string caption = values.at(ToLowerCp1252(key));
-                const auto mnemonic = MnemonicOf(caption);
+                const auto mnemonic = MnemonicOf(values.at(ToLowerCp1252(key)));
                 ASSERT_TRUE(mnemonic) << "[" << name << "] " << key << " has no mnemonic";
                 EXPECT_TRUE(taken.emplace(*mnemonic, key).second)
-                    << "[" << name << "] " << key << " and " << taken[*mnemonic] << " share &"
-                    << *mnemonic;
+                    << "[" << name << "] " << key << " repeats &" << *mnemonic;
             }
         }
     }

@@ -13,10 +13,7 @@ TEST(TextForms, CaptionsArgumentsAndCounts) {
         {"Re&build", "Rebuild"}, {"Tom && Jerry", "Tom & Jerry"}, {"a && &B&", "a & B"}};
     for (const auto& [caption, shown] : plain)
         EXPECT_EQ(PlainCaption(caption), shown) << caption;
-    EXPECT_EQ(MnemonicOf("a && &B&"), 'b');
-    EXPECT_EQ(MnemonicOf("Tom && Jerry&"), std::nullopt);
     EXPECT_EQ(FillArguments("%2, %1! 100%% %3 %", {"%2", "b"}), "b, %2! 100% %3 %");
-    // French takes the singular for 0 too.
     const std::tuple<const char*, std::uint64_t, const char*> counts[] = {
         {"english", 0, "nMany"}, {"english", 1, "nOne"},  {"Deutsch", 0, "nMany"},
         {"deutsch", 2, "nMany"}, {"FRANCAIS", 0, "nOne"}, {"francais", 2, "nMany"}};
