@@ -1,12 +1,13 @@
 // korvel: the editor's window. `korvel [path.img]` opens the archive named on
 // the command line; `--screenshot FILE` saves a picture of the window after
 // start-up and quits, for checking the looks without a person at the screen.
-#include "window/MainCommands.h"
 #include "platform/Folders.h"
 #include "settings/Settings.h"
 #include "ui/MainWindow.h"
+#include "window/MainCommands.h"
 
 #include <QApplication>
+#include <QLocale>
 #include <QTimer>
 
 #ifndef _WIN32
@@ -65,6 +66,7 @@ int main(int argc, char** argv) {
     }
 
     korvel::Settings settings(korvel::SettingsFilePath(), korvel::LanguageFilePath());
+    settings.setDesktopLocale(QLocale::system().name().toStdString());
     korvel::ui::MainWindow window(settings);
     window.startup(korvel::CommandLineFromArguments(arguments));
     window.show();

@@ -22,11 +22,15 @@ bool LowerLess(std::string_view a, std::string_view b) {
     });
 }
 
-AddOutcome Failure(std::string error) {
+AddOutcome Failure(Status failed) {
     AddOutcome outcome;
     outcome.result = AddResult::Failed;
-    outcome.status = Status::Failed(std::move(error));
+    outcome.status = std::move(failed);
     return outcome;
+}
+
+AddOutcome Failure(std::string error) {
+    return Failure(Status::Failed(std::move(error)));
 }
 
 } // namespace
@@ -150,7 +154,7 @@ AddOutcome AddBatch::AddUnderStoredName(const std::string& path, std::string& na
     // will store it, so that two long names that end up alike meet in the
     // duplicate scan instead of silently becoming two rows of one name.
     const auto takeName = [&](const std::string& wanted) -> std::optional<AddOutcome> {
-        if (std::string problem = EntryNameProblem(wanted); !problem.empty()) {
+        if (Status problem = CheckEntryName(wanted); !problem.ok()) {
             return Failure(std::move(problem));
         }
         name = StoredEntryName(wanted);

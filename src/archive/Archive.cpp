@@ -195,13 +195,14 @@ ArchiveLock ArchiveLock::Take(const std::filesystem::path& dataPath) {
             break;
         case LockFile::Result::Busy:
             lock.state_ = State::Busy;
-            lock.why_ = "The archive " + dataPath.string() +
-                        " is in use by another Korvel; nothing was changed. Try again when it "
-                        "has finished.";
+            lock.why_ = Status::Failed("The archive " + dataPath.string() +
+                                           " is in use by another Korvel; nothing was changed. "
+                                           "Try again when it has finished.",
+                                       "archiveInUse", {dataPath.string()});
             return lock;
         case LockFile::Result::Failed:
-            lock.why_ = "cannot lock the archive " + dataPath.string() + " (" + lockPath.string() +
-                        "): " + error;
+            lock.why_ = Status::Failed("cannot lock the archive " + dataPath.string() + " (" +
+                                       lockPath.string() + "): " + error);
             return lock;
         }
     }
@@ -211,7 +212,7 @@ ArchiveLock ArchiveLock::Take(const std::filesystem::path& dataPath) {
 }
 
 ArchiveLock::ArchiveLock(ArchiveLock&& other) noexcept
-    : state_(other.state_), key_(std::move(other.key_)), why_(std::move(other.why_)) {
+    : state_(other.state_), key_(std::move(other.key_)), why_(other.why_) {
     other.state_ = State::Failed;
 }
 
@@ -227,10 +228,10 @@ ArchiveLock::~ArchiveLock() {
 }
 
 Status ArchiveLock::status() const {
-    return held() ? Status::Ok() : Status::Failed(why_);
+    return held() ? Status::Ok() : why_;
 }
 
-ArchiveLock ArchiveLock::Refused(std::string why) {
+ArchiveLock ArchiveLock::Refused(Status why) {
     ArchiveLock lock;
     lock.why_ = std::move(why);
     return lock;
@@ -238,21 +239,23 @@ ArchiveLock ArchiveLock::Refused(std::string why) {
 
 ArchiveLock LockForWriting(const Archive& archive) {
     if (!archive.isOpen()) {
-        return ArchiveLock::Refused("no archive is open");
+        return ArchiveLock::Refused(Status::Failed("no archive is open", "noArchiveOpen", {}));
     }
     for (const std::string& path : {archive.dataPath(), archive.dirPath()}) {
         // A file that has gone is left to the write to recreate or report.
         if (FileExists(path) && !IsWritable(path)) {
-            return ArchiveLock::Refused(path +
-                                        " is read-only, so the archive cannot be changed; nothing "
-                                        "was changed.");
+            return ArchiveLock::Refused(
+                Status::Failed(path + " is read-only, so the archive cannot be changed; nothing "
+                                      "was changed.",
+                               "archiveReadOnly", {path}));
         }
     }
     ArchiveLock lock = ArchiveLock::Take(archive.dataPath());
     if (lock.held() && archive.changedOnDisk()) {
-        return ArchiveLock::Refused(archive.dirPath() +
-                                    " was changed by another program since Korvel read it; open "
-                                    "the archive again to see the change. Nothing was changed.");
+        return ArchiveLock::Refused(Status::Failed(
+            archive.dirPath() + " was changed by another program since Korvel read it; open "
+                                "the archive again to see the change. Nothing was changed.",
+            "archiveChanged", {archive.dirPath()}));
     }
     return lock;
 }
@@ -303,13 +306,15 @@ Status CreateEmptyArchive(const std::string& dataPath, const std::vector<std::st
                           std::string& openPath) {
     if (DirectoryIsDataFile(dataPath)) {
         return Status::Failed("cannot create " + dataPath +
-                              ": its directory file would be the data file itself");
+                                  ": its directory file would be the data file itself",
+                              "dirIsData", {dataPath});
     }
     const std::filesystem::path dirPath = DirectoryPathFor(dataPath);
     for (const std::string& file : ExistingOf(dataPath, dirPath)) {
         if (!IsConfirmed(file, confirmed)) {
             return Status::Failed("cannot create " + dataPath + ": it would empty " + file +
-                                  ", which was not confirmed");
+                                      ", which was not confirmed",
+                                  "emptyNotConfirmed", {dataPath, file});
         }
     }
     for (const std::string& path : {dataPath, dirPath.string()}) {

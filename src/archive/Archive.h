@@ -101,7 +101,7 @@ public:
     // Takes the lock on the archive whose data file is `dataPath`.
     static ArchiveLock Take(const std::filesystem::path& dataPath);
     // A lock not taken, for the reason given.
-    static ArchiveLock Refused(std::string why);
+    static ArchiveLock Refused(Status why);
 
     ArchiveLock(ArchiveLock&& other) noexcept;
     ArchiveLock& operator=(ArchiveLock&&) = delete;
@@ -118,7 +118,7 @@ private:
     ArchiveLock() = default;
     State state_ = State::Failed;
     std::string key_;
-    std::string why_;
+    Status why_ = Status::Failed("the archive is not locked");
 };
 
 // Takes the lock for a change to the open archive. Refused (status says why,

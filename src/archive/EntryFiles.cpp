@@ -77,13 +77,14 @@ std::uint32_t SectorsPresent(const Entry& entry, std::uint64_t dataLength) {
 Status CheckAppendPlacement(std::uint64_t offset, std::uint64_t sectors, std::uint64_t dataLength) {
     if (offset / SectorSize > std::numeric_limits<std::uint32_t>::max() ||
         sectors > std::numeric_limits<std::uint32_t>::max()) {
-        return Status::Failed("the archive cannot address data beyond 8 TiB");
+        return Status::Failed("the archive cannot address data beyond 8 TiB", "archiveTooBig", {});
     }
     // A last entry held only in part still counts as held, as in SectorsPresent.
     if (offset > SectorsForFile(dataLength) * SectorSize) {
         return Status::Failed("the directory lists entries beyond the end of the data file (" +
-                              std::to_string(dataLength) +
-                              " bytes); rebuild the archive before adding to it");
+                                  std::to_string(dataLength) +
+                                  " bytes); rebuild the archive before adding to it",
+                              "entriesBeyondData", {std::to_string(dataLength)});
     }
     return Status::Ok();
 }

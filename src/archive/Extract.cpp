@@ -10,13 +10,15 @@ ExtractResult ExtractEntryTo(const Archive& archive, std::size_t row,
                              const std::filesystem::path& folder, const DecideOverwrite& decide) {
     ExtractResult result;
     if (row >= archive.table().size()) {
-        result.status = Status::Failed("there is no row " + std::to_string(row + 1));
+        result.status = Status::Failed("there is no row " + std::to_string(row + 1), "noSuchRow",
+                                       {std::to_string(row + 1)});
         return result;
     }
     const Entry& entry = archive.table()[row];
     result.target = EntryFileIn(folder, entry.name);
     if (!result.target) {
-        result.status = Status::Failed(UnsafeNameProblem(entry.name));
+        result.status = Status::Failed(UnsafeNameProblem(entry.name), "unsafeFileName",
+                                       {ShownName(entry.name)});
         return result;
     }
     // Anything at all standing there counts, a dangling link too: the

@@ -29,7 +29,7 @@ Status WriteMarkerFile(const std::string& markText) {
 MarkerResult InsertMarker(Archive& archive, const std::string& markText) {
     MarkerResult result;
     if (!archive.isOpen()) {
-        result.status = Status::Failed("no archive is open");
+        result.status = Status::Failed("no archive is open", "noArchiveOpen", {});
         result.failed = MarkerResult::Failed::MarkerFile;
         return result;
     }

@@ -65,18 +65,26 @@ std::string_view IconKey(EntryKind type) {
 }
 
 std::string EntryNameProblem(std::string_view raw) {
-    const std::string quoted = "The name \"" + ShownName(raw) + "\" cannot be given to an entry";
+    return CheckEntryName(raw).error();
+}
+
+Status CheckEntryName(std::string_view raw) {
+    const std::string shown = ShownName(raw);
+    const std::string quoted = "The name \"" + shown + "\" cannot be given to an entry";
     if (raw.empty()) {
-        return quoted + ": it is empty.";
+        return Status::Failed(quoted + ": it is empty.", "nameEmpty", {shown});
     }
     if (raw == "." || raw == "..") {
-        return quoted + ": it would name a folder, not a file.";
+        return Status::Failed(quoted + ": it would name a folder, not a file.", "nameFolder",
+                              {shown});
     }
     if (std::any_of(raw.begin(), raw.end(),
                     [](char c) { return c == '/' || c == '\\' || IsControlByte(c); })) {
-        return quoted + ": it holds \"/\", \"\\\" or a control character (shown as \\xHH).";
+        return Status::Failed(
+            quoted + ": it holds \"/\", \"\\\" or a control character (shown as \\xHH).",
+            "nameBadChars", {shown});
     }
-    return {};
+    return Status::Ok();
 }
 
 std::string StoredEntryName(std::string_view raw) {

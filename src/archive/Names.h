@@ -4,6 +4,7 @@
 #pragma once
 
 #include "platform/Cp1252.h"
+#include "platform/Status.h"
 
 #include <optional>
 #include <string>
@@ -33,6 +34,9 @@ bool IsNameOfKind(EntryKind kind, std::string_view name);
 // "/", a backslash, NUL or another control character: such a name could not be
 // extracted, or would forge lines wherever names are printed.
 std::string EntryNameProblem(std::string_view raw);
+// The same as a Status that also names its text key (nameEmpty, nameFolder,
+// nameBadChars with the shown name as %1); Ok when the name can be given.
+Status CheckEntryName(std::string_view raw);
 
 // The name an entry is stored under: the first 24 bytes, all the directory
 // record holds. Adding shortens longer file names to this, so the duplicate

@@ -298,8 +298,8 @@ Status WriteNewData(const EntryTable& table, File& in, const fs::path& newData,
     for (std::size_t row = 0; row < table.size(); ++row) {
         const Entry& entry = table[row];
         if (running > std::numeric_limits<std::uint32_t>::max()) {
-            return Status::Failed(
-                "the rebuilt archive would be larger than an archive can address");
+            return Status::Failed("the rebuilt archive would be larger than an archive can address",
+                                  "rebuildTooBig", {});
         }
         spans.push_back({entry.byteOffset(), std::uint64_t{present[row]} * SectorSize});
         records.push_back({static_cast<std::uint32_t>(running), present[row], entry.name});
@@ -405,7 +405,7 @@ Status RenameNewPairIntoPlace(const RebuildFiles& files) {
 RebuildResult RebuildArchive(const Archive& archive, const RebuildProgress& progress) {
     RebuildResult result;
     if (!archive.isOpen()) {
-        result.status = Status::Failed("no archive is open");
+        result.status = Status::Failed("no archive is open", "noArchiveOpen", {});
         return result;
     }
     const ArchiveLock lock = LockForWriting(archive);

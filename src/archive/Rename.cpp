@@ -21,10 +21,11 @@ Status RenameEntry(Archive& archive, std::size_t row, const std::string& rawName
     }
     EntryTable& table = archive.table();
     if (row >= table.size()) {
-        return Status::Failed("there is no row " + std::to_string(row + 1));
+        return Status::Failed("there is no row " + std::to_string(row + 1), "noSuchRow",
+                              {std::to_string(row + 1)});
     }
-    if (std::string problem = EntryNameProblem(rawName); !problem.empty()) {
-        return Status::Failed(std::move(problem));
+    if (Status problem = CheckEntryName(rawName); !problem.ok()) {
+        return problem;
     }
     const std::vector<Entry> before = table.rows();
     table.setName(row, rawName);

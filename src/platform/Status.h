@@ -6,6 +6,7 @@
 
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace korvel {
 
@@ -13,10 +14,23 @@ class [[nodiscard]] Status {
 public:
     static Status Ok() { return Status(); }
     static Status Failed(std::string error) { return Status(std::move(error)); }
+    // A failure the window says in the person's language: the text of
+    // `textKey` in lang.ini with "%1".. replaced by `arguments`. `error` is
+    // the same in English, which korvel-cli prints.
+    static Status Failed(std::string error, std::string textKey,
+                         std::vector<std::string> arguments) {
+        Status status(std::move(error));
+        status.textKey_ = std::move(textKey);
+        status.arguments_ = std::move(arguments);
+        return status;
+    }
 
     bool ok() const { return error_.empty(); }
     // Empty when ok().
     const std::string& error() const { return error_; }
+    // Empty when the failure has only its English text.
+    const std::string& textKey() const { return textKey_; }
+    const std::vector<std::string>& arguments() const { return arguments_; }
 
 private:
     Status() = default;
@@ -25,6 +39,8 @@ private:
         : error_(error.empty() ? std::string("an unknown error") : std::move(error)) {}
 
     std::string error_;
+    std::string textKey_;
+    std::vector<std::string> arguments_;
 };
 
 } // namespace korvel

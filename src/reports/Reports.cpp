@@ -83,7 +83,7 @@ std::uint64_t ReportKilobytes(std::uint64_t bytes) {
 
 std::vector<std::string> ReportLines(const Archive& archive, const Settings& texts, ReportKind kind,
                                      const ReportFacts& facts) {
-    const auto text = [&](std::string_view key) { return ToAnsi(texts.LookupText(key)); };
+    const auto text = [&](std::string_view key) { return ToAnsi(texts.LookupPlainText(key)); };
     const EntryTable& table = archive.table();
     const auto counts = CountGroups(table);
     const std::string rows = std::to_string(table.size());

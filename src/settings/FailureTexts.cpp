@@ -1,8 +1,17 @@
 #include "settings/FailureTexts.h"
 
 #include "platform/Cp1252.h"
+#include "settings/IniFile.h"
 
 namespace korvel {
+
+std::string StatusText(const Settings& texts, const Status& status) {
+    if (status.textKey().empty()) {
+        return status.error();
+    }
+    const std::string text = texts.LookupFilled(status.textKey(), status.arguments());
+    return text == SettingsError ? status.error() : text;
+}
 
 std::string FileFailureText(const Settings& texts, const std::string& error,
                             const std::string& concerning) {

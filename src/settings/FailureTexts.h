@@ -3,11 +3,17 @@
 // same thing in the person's language.
 #pragma once
 
+#include "platform/Status.h"
 #include "settings/Settings.h"
 
 #include <string>
 
 namespace korvel {
+
+// A failed operation in the current language: its key's text with the
+// arguments filled in, or its English text when it has no key or the language
+// lacks it. Empty for success.
+std::string StatusText(const Settings& texts, const Status& status);
 
 // text(ohCrap1), the system's description, and the file or entry concerned
 // on a line of its own when there is one.

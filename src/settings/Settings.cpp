@@ -4,6 +4,7 @@
 #include "platform/FileSystem.h"
 #include "platform/LocalTime.h"
 #include "settings/IniFile.h"
+#include "settings/TextForms.h"
 
 #include <array>
 #include <charconv>
@@ -160,9 +161,29 @@ void Settings::StoreListColumnWidths(const std::vector<int>& widths) {
     WriteSetting(value, "listColumns");
 }
 
+std::string Settings::LookupPlainText(std::string_view key) const {
+    return PlainCaption(LookupText(key));
+}
+
+std::string Settings::LookupFilled(std::string_view key,
+                                   const std::vector<std::string>& arguments) const {
+    return FillArguments(LookupText(key), arguments);
+}
+
+std::string Settings::LookupCountText(std::string_view key, std::uint64_t count) const {
+    return FillArguments(LookupText(PluralKey(key, ReadSetting("language"), count)),
+                         {std::to_string(count)});
+}
+
 void Settings::EnsureSettingsFile() {
     if (!inMemory_ && !FileExists(settingsFile_)) {
         WriteDefaultSettings();
+        // Only the first start follows the desktop; after that the Language
+        // menu decides.
+        const std::string language = LanguageForLocale(desktopLocale_);
+        if (language != DefaultValue("language")) {
+            WriteSetting(language, "language");
+        }
     }
 }
 

@@ -3,6 +3,7 @@
 // calls: every read sees the file as it is now.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -28,6 +29,17 @@ public:
     void WriteSetting(std::string_view value, std::string_view key);
     // A text of the current language; "Settings error" when missing.
     std::string LookupText(std::string_view key) const;
+    // The text without its mnemonic mark, for titles and status texts.
+    std::string LookupPlainText(std::string_view key) const;
+    // The text with "%1".. replaced by `arguments`.
+    std::string LookupFilled(std::string_view key, const std::vector<std::string>& arguments) const;
+    // The wording of `key` for `count` things in the current language (see
+    // PluralKey), with "%1" replaced by the count.
+    std::string LookupCountText(std::string_view key, std::uint64_t count) const;
+
+    // The desktop's locale name ("de_DE.UTF-8"); the settings file a first
+    // start writes then names the matching language.
+    void setDesktopLocale(std::string localeName) { desktopLocale_ = std::move(localeName); }
 
     // `stdShortcuts`: whether the menus use the desktop's standard keys
     // instead of the designed ones. Off unless the file says "True" (or a
@@ -58,6 +70,7 @@ public:
 private:
     std::filesystem::path settingsFile_;
     std::filesystem::path languageFile_;
+    std::string desktopLocale_;
     bool inMemory_ = false;
     std::map<std::string, std::string, std::less<>> memory_; // keys lower-cased
 };

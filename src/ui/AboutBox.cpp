@@ -1,5 +1,6 @@
 #include "ui/AboutBox.h"
 
+#include "settings/Settings.h"
 #include "ui/TypeIcons.h"
 #include "ui/WidgetUnits.h"
 
@@ -11,24 +12,25 @@
 
 namespace korvel::ui {
 
-AboutBox::AboutBox(const QString& title, QWidget* parent) : QDialog(parent) {
+AboutBox::AboutBox(const Settings& texts, QWidget* parent) : QDialog(parent) {
+    // Plain texts: escaped, so only the line breaks below are markup.
+    const auto said = [&texts](const char* key, std::vector<std::string> arguments = {}) {
+        return QString::fromStdString(texts.LookupFilled(key, arguments)).toHtmlEscaped();
+    };
     setObjectName(QStringLiteral("About"));
-    // The title is the Help menu's caption, which carries a mnemonic mark.
-    setWindowTitle(WithoutMnemonic(title));
+    setWindowTitle(QStringLiteral(" ") + QString::fromStdString(texts.LookupPlainText("menue3")));
     setModal(true);
 
     auto* badge = new QLabel(this);
     badge->setPixmap(DrawTypeIcon(TypeIconColour("orange")).pixmap(48, 48));
     badge->setAlignment(Qt::AlignTop);
 
-    auto* name =
-        new QLabel(QStringLiteral("<b style='font-size:16pt'>Korvel</b><br>Version 1.0"), this);
-    auto* body = new QLabel(
-        QStringLiteral("An editor for the .img and .dir archives of the GTA III era games.<br><br>"
-                       "Released under the MIT licence.<br><br>"
-                       "Credits: written by the Korvel contributors; built with Qt %1.")
-            .arg(QString::fromLatin1(qVersion())),
-        this);
+    auto* name = new QLabel(QStringLiteral("<b style='font-size:16pt'>Korvel</b><br>") +
+                                said("aboutVersion", {"1.0"}),
+                            this);
+    auto* body = new QLabel(said("aboutText") + QStringLiteral("<br><br>") + said("aboutLicence") +
+                                QStringLiteral("<br><br>") + said("aboutCredits", {qVersion()}),
+                            this);
     body->setObjectName(QStringLiteral("credits"));
     body->setWordWrap(true);
     body->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -42,7 +44,8 @@ AboutBox::AboutBox(const QString& title, QWidget* parent) : QDialog(parent) {
     top->addLayout(text, 1);
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok, this);
-    buttons->button(QDialogButtonBox::Ok)->setText(QStringLiteral("Ok"));
+    buttons->button(QDialogButtonBox::Ok)
+        ->setText(QString::fromStdString(texts.LookupText("okButton")));
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
 
     auto* layout = new QVBoxLayout(this);

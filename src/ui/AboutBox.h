@@ -3,12 +3,17 @@
 
 #include <QDialog>
 
+namespace korvel {
+class Settings;
+}
+
 namespace korvel::ui {
 
 class AboutBox : public QDialog {
     Q_OBJECT
 public:
-    AboutBox(const QString& title, QWidget* parent);
+    // Titled and worded in the current language of `texts`.
+    AboutBox(const Settings& texts, QWidget* parent);
 };
 
 } // namespace korvel::ui

@@ -86,7 +86,7 @@ AddingDupDialog::AddingDupDialog(Settings& settings, QWidget* parent)
     setMinimumWidth(380);
 }
 
-void AddingDupDialog::load(const QString& conflictingName) {
+void AddingDupDialog::relabel() {
     const auto text = [this](const char* key) {
         return QString::fromStdString(settings_.LookupText(key));
     };
@@ -95,12 +95,19 @@ void AddingDupDialog::load(const QString& conflictingName) {
     choiceLabel_->setText(text("dup2"));
     conflictCaptionLabel_->setText(text("dup7"));
     dontPrompt_->setText(text("dup8"));
+    doThis_->setText(text("okButton"));
+    for (std::size_t i = 0; i < Options.size(); ++i) {
+        options_[i]->setText(text(Options[i].textKey));
+    }
+}
+
+void AddingDupDialog::load(const QString& conflictingName) {
+    relabel();
     // With an unknown addingOpt no option is selected, and Ok then does
     // nothing until one is picked.
     const DuplicateAnswer action = StoredDuplicateAnswer(settings_);
     group_->setExclusive(false);
     for (std::size_t i = 0; i < Options.size(); ++i) {
-        options_[i]->setText(text(Options[i].textKey));
         options_[i]->setChecked(action == Options[i].action);
     }
     group_->setExclusive(true);

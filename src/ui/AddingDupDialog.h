@@ -31,6 +31,8 @@ public:
     // settings. With a name it asks about that duplicate; without one it is
     // the settings window and the conflict lines are hidden.
     void load(const QString& conflictingName = {});
+    // The texts of the current language; the choices stay as they are.
+    void relabel();
     // The answer once closed: the option taken with Ok (nothing when closed
     // by its frame) and the check box.
     DuplicateDialogAnswer answer() const;

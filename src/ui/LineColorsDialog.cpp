@@ -57,6 +57,9 @@ LineColorsDialog::LineColorsDialog(Editor& editor, RowColours& colours, QWidget*
     grid->addWidget(colorTwo_, 1, 2);
     grid->addWidget(restore_, 2, 0, 1, 2);
     grid->addWidget(close_, 2, 2);
+    // Both buttons read "Change": each row's label carries the mnemonic.
+    label1_->setBuddy(colorOne_);
+    label2_->setBuddy(colorTwo_);
 
     connect(colorOne_, &QPushButton::clicked, this, [this] { pick(1); });
     connect(colorTwo_, &QPushButton::clicked, this, [this] { pick(2); });
@@ -67,12 +70,17 @@ LineColorsDialog::LineColorsDialog(Editor& editor, RowColours& colours, QWidget*
 void LineColorsDialog::load() {
     setSwatch(1, colours_.Stored(1));
     setSwatch(2, colours_.Stored(2));
+    relabel();
+}
+
+void LineColorsDialog::relabel() {
     setWindowTitle(QStringLiteral(" ") + WithoutMnemonic(Q(editor_.text("lc0"))));
     label1_->setText(Q(editor_.text("lc1")));
     label2_->setText(Q(editor_.text("lc2")));
     colorOne_->setText(Q(editor_.text("lc3")));
     colorTwo_->setText(Q(editor_.text("lc3")));
     restore_->setText(Q(editor_.text("lc4")));
+    close_->setText(Q(editor_.text("okButton")));
 }
 
 QColor LineColorsDialog::swatch(int which) const {

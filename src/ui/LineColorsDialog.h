@@ -20,6 +20,8 @@ public:
 
     // The dialog's load: swatches from the settings, captions by key.
     void load();
+    // The texts of the current language.
+    void relabel();
     QColor swatch(int which) const;
 
 private:

@@ -8,6 +8,7 @@
 #include "ui/ArchiveView.h"
 #include "ui/EntryDrag.h"
 #include "ui/EntryModel.h"
+#include "ui/QtTranslations.h"
 #include "ui/SearchCommands.h"
 #include "ui/ToolWindows.h"
 #include "window/MenuTree.h"
@@ -50,12 +51,8 @@ QString Q(const std::string& text) {
 }
 
 // A caption that is data (a path, a language's name) is plain text: an
-// ampersand in it must not become a mnemonic. The others keep theirs.
-QString Caption(const std::string& name, const std::string& text) {
-    const MenuNode* node = FindMenuNode(name);
-    if (node != nullptr && CaptionHasMnemonic(*node)) {
-        return Q(text);
-    }
+// ampersand in it must not become a mnemonic.
+QString Caption(const std::string& text) {
     return Q(text).replace('&', QStringLiteral("&&"));
 }
 
@@ -116,6 +113,31 @@ constexpr std::array<FilterKind, 6> FilterKinds = {{
 constexpr QSize DesignedWindowSize(420, 560);
 // What a window manager's frame and title bar take around the window.
 constexpr QSize FrameAllowance(16, 48);
+
+// How an item's caption reaches the screen. Texts from lang.ini carry their
+// mnemonic; the others (recent paths, the home page) are plain text, and a
+// language's section name is underlined at its first letter.
+enum class CaptionForm { Mnemonic, Plain, FirstLetter };
+const char* const CaptionFormProperty = "korvelCaptionForm";
+
+CaptionForm FormOf(const MenuNode& node) {
+    if (!node.textKey.empty()) {
+        return CaptionForm::Mnemonic;
+    }
+    return node.name.starts_with("lang") ? CaptionForm::FirstLetter : CaptionForm::Plain;
+}
+
+QString Displayed(CaptionForm form, const std::string& caption) {
+    switch (form) {
+    case CaptionForm::Mnemonic:
+        return Q(caption);
+    case CaptionForm::FirstLetter:
+        return QStringLiteral("&") + Caption(caption);
+    case CaptionForm::Plain:
+        break;
+    }
+    return Caption(caption);
+}
 
 } // namespace
 
@@ -226,6 +248,10 @@ MainWindow::~MainWindow() {
 }
 
 void MainWindow::startup(const std::string& commandLine) {
+    // The first start's question already speaks the language korvel.ini
+    // starts with, Qt's buttons included.
+    editor_.settings().EnsureSettingsFile();
+    UseQtTranslations(editor_.settings().ReadSetting("language"));
     commands_.Startup(commandLine);
     showArchiveState();
 }
@@ -250,6 +276,7 @@ void MainWindow::buildMenus() {
     for (const MenuNode& top : MainMenuTree()) {
         QMenu* menu = menuBar()->addMenu(Q(top.caption));
         menu->setObjectName(Q(top.name));
+        menu->menuAction()->setProperty(CaptionFormProperty, static_cast<int>(FormOf(top)));
         menu->menuAction()->setObjectName(Q(top.name));
         menus_.insert(Q(top.name), menu);
         actions_.insert(Q(top.name), menu->menuAction());
@@ -295,16 +322,18 @@ void MainWindow::addMenuItems(QMenu* menu, const std::vector<MenuNode>& nodes) {
             continue;
         }
         if (node.isSubMenu()) {
-            QMenu* sub = menu->addMenu(Caption(node.name, node.caption));
+            QMenu* sub = menu->addMenu(Displayed(FormOf(node), node.caption));
             sub->setObjectName(name);
+            sub->menuAction()->setProperty(CaptionFormProperty, static_cast<int>(FormOf(node)));
             sub->menuAction()->setObjectName(name);
             menus_.insert(name, sub);
             actions_.insert(name, sub->menuAction());
             addMenuItems(sub, node.children);
             continue;
         }
-        QAction* item = menu->addAction(Caption(node.name, node.caption));
+        QAction* item = menu->addAction(Displayed(FormOf(node), node.caption));
         item->setObjectName(name);
+        item->setProperty(CaptionFormProperty, static_cast<int>(FormOf(node)));
         item->setCheckable(node.checkable);
         connect(item, &QAction::triggered, this, [this, name] { runCommand(name); });
         actions_.insert(name, item);
@@ -316,7 +345,8 @@ void MainWindow::mirror(const std::string& name, const MenuItemState& state) {
     if (item == nullptr || item->isSeparator()) {
         return;
     }
-    item->setText(Caption(name, state.caption));
+    item->setText(Displayed(static_cast<CaptionForm>(item->property(CaptionFormProperty).toInt()),
+                            state.caption));
     // Stored in the portable spelling; the menu shows it in the desktop's
     // own words ("Strg+W" in German) through QKeySequence::NativeText.
     const QKeySequence key(Q(state.shortcut), QKeySequence::PortableText);
@@ -379,7 +409,7 @@ void MainWindow::CloseMainWindow() {
 }
 
 void MainWindow::ShowAboutBox() {
-    AboutBox box(QStringLiteral(" ") + Q(editor_.text("menue3")), this);
+    AboutBox box(editor_.settings(), this);
     box.exec();
 }
 
@@ -566,6 +596,13 @@ void MainWindow::rememberWindowPlace() {
         }
         settings.StoreListColumnWidths(widths);
     }
+}
+
+void MainWindow::LanguageChanged() {
+    UseQtTranslations(editor_.settings().ReadSetting("language"));
+    tools_->relabel();
+    finds_->relabel();
+    dialogs_.relabel();
 }
 
 void MainWindow::SetGridLines(bool shown) {

@@ -93,6 +93,7 @@ private:
     void AddColumnHeader(const std::string& text, int widthTwips) override;
     void SetGridLines(bool shown) override;
     void SetRowStripes(std::optional<std::pair<Rgb, Rgb>> colours) override;
+    void LanguageChanged() override;
 
     // WindowOnlyCommands
     void CloseMainWindow() override;

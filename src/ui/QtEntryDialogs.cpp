@@ -56,6 +56,15 @@ void QtEntryDialogs::ShowScanSettings() {
     ShowModeless(dialog);
 }
 
+void QtEntryDialogs::relabel() {
+    if (addingDup_) {
+        addingDup_->relabel();
+    }
+    if (rename_) {
+        rename_->relabel();
+    }
+}
+
 void QtEntryDialogs::RenameAItem(const RenameRequest& request) {
     RenameDialog* dialog = renameDialog();
     dialog->fill(request);

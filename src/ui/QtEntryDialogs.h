@@ -27,6 +27,8 @@ public:
     void RenameAItem(const RenameRequest& request) override;
     // The `ScanSettings` menu item: `addingDup` as a settings window.
     void ShowScanSettings();
+    // The open dialogs take the texts of the current language.
+    void relabel();
 
     AddingDupDialog* addingDupDialog();
     RenameDialog* renameDialog();

@@ -55,13 +55,20 @@ RenameDialog::RenameDialog(Settings& settings, QWidget* parent)
     // Loading: the counter first, then the captions in the current language;
     // filling the box afterwards brings the counter to the name's length.
     updateCounter();
+    relabel();
+    label2_->setText(QString::fromStdString(settings_.LookupText("nn1")) +
+                     QStringLiteral(" 00/24"));
+}
+
+void RenameDialog::relabel() {
     const auto text = [this](const char* key) {
         return QString::fromStdString(settings_.LookupText(key));
     };
     setWindowTitle(QStringLiteral(" ") + WithoutMnemonic(text("nn0")));
     label1_->setText(text("sd6"));
-    label2_->setText(text("nn1") + QStringLiteral(" 00/24"));
     cancel_->setText(text("nn2"));
+    doRename_->setText(text("okButton"));
+    updateCounter();
 }
 
 void RenameDialog::fill(const RenameRequest& request) {

@@ -28,6 +28,8 @@ public:
     // Fills `itemNo` and `objectName` for the request; the dialog keeps it
     // until the next fill, so opening it again while shown refills it.
     void fill(const RenameRequest& request);
+    // The texts of the current language.
+    void relabel();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

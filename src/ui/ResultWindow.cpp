@@ -30,6 +30,9 @@ QString Q(const std::string& text) {
     return QString::fromStdString(text);
 }
 
+// The texts of the pop-up menu's items, in the order of the layout's items.
+constexpr std::array<const char*, 6> ItemKeys{"sd10", "sd11", "sd12", "sd13", "menuc2", "menuc3"};
+
 } // namespace
 
 bool HighlightInMainList(MainWindow& main, const std::vector<EntryRef>& entries) {
@@ -64,7 +67,8 @@ void ClearOnNewReading(MainWindow& main, QObject* owner, std::function<void()> c
 }
 
 ResultWindow::ResultWindow(MainWindow& main, const ResultWindowLayout& layout)
-    : QWidget(&main, Qt::Window), main_(main), guardEveryItem_(layout.guardEveryItem) {
+    : QWidget(&main, Qt::Window), main_(main), layout_(layout),
+      guardEveryItem_(layout.guardEveryItem) {
     setObjectName(QString::fromLatin1(layout.form));
     // Closing discards the window; the next opening builds it afresh.
     setAttribute(Qt::WA_DeleteOnClose);
@@ -120,9 +124,8 @@ ResultWindow::ResultWindow(MainWindow& main, const ResultWindowLayout& layout)
         items[i] = options_->addAction(QString());
         items[i]->setObjectName(QString::fromLatin1(layout.items[i]));
     }
-    const std::array<const char*, 6> itemKeys{"sd10", "sd11", "sd12", "sd13", "menuc2", "menuc3"};
     for (std::size_t i = 0; i < items.size(); ++i) {
-        items[i]->setText(text(itemKeys[i]));
+        items[i]->setText(text(ItemKeys[i]));
     }
 
     // Search box and button above, the list with the options and buttons
@@ -167,6 +170,34 @@ ResultWindow::ResultWindow(MainWindow& main, const ResultWindowLayout& layout)
     connect(save, &QPushButton::clicked, this, [this] { this->save(); });
     ClearOnNewReading(main_, this, [this] { clearResults(); });
     connect(close, &QPushButton::clicked, this, &QWidget::close);
+}
+
+void ResultWindow::relabel() {
+    Editor& editor = main_.editor();
+    const auto text = [&editor](const char* key) { return Q(editor.text(key)); };
+    setWindowTitle(QStringLiteral(" ") + Q(editor.settings().LookupPlainText(layout_.titleKey)));
+    findChild<QLabel*>(QStringLiteral("Label1"))->setText(text("find1"));
+    findIt_->setText(text("sd9"));
+    frame_->setTitle(text("find2"));
+    findChild<QPushButton*>(QString::fromLatin1(layout_.saveButton))->setText(text("find3"));
+    findChild<QPushButton*>(QStringLiteral("closeSearch"))->setText(text("find4"));
+    QStringList headers;
+    for (const auto& [key, width] : layout_.columns) {
+        headers << text(key);
+    }
+    results_->setHeaderLabels(headers);
+    for (std::size_t i = 0; i < ItemKeys.size(); ++i) {
+        options_->findChild<QAction*>(QString::fromLatin1(layout_.items[i]))
+            ->setText(text(ItemKeys[i]));
+    }
+    if (results_->topLevelItemCount() == 0) {
+        count_->setText(text("find5"));
+        return;
+    }
+    count_->setText(Q(FoundCountText(editor, numbers_.size())));
+    if (!showsResults()) {
+        results_->topLevelItem(0)->setText(0, text("sd2"));
+    }
 }
 
 void ResultWindow::fitToContents() {

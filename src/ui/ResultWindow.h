@@ -76,6 +76,9 @@ public:
     bool highlight();
     // findIt, or Enter in the search box (also while findIt is disabled).
     virtual void search() = 0;
+    // Every text in the current language; the results and the search box
+    // stay as they are.
+    virtual void relabel();
 
 protected:
     ResultWindow(MainWindow& main, const ResultWindowLayout& layout);
@@ -103,6 +106,7 @@ protected:
 private:
     void act(bool guarded, const QString& command, bool closeAfter);
 
+    const ResultWindowLayout& layout_;
     QLineEdit* searchText_;
     QPushButton* findIt_;
     QTreeWidget* results_;

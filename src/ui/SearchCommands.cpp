@@ -31,6 +31,15 @@ void SearchCommands::openFindInFilesWindow() {
     Open(main_, searchFiles_);
 }
 
+void SearchCommands::relabel() {
+    if (!search_.isNull()) {
+        search_->relabel();
+    }
+    if (!searchFiles_.isNull()) {
+        searchFiles_->relabel();
+    }
+}
+
 SearchWindow* SearchCommands::searchWindow() const {
     return search_;
 }

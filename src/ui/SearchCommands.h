@@ -18,6 +18,8 @@ public:
 
     void openFindWindow();
     void openFindInFilesWindow();
+    // The open windows take the texts of the current language.
+    void relabel();
 
     // The windows while they are open.
     SearchWindow* searchWindow() const;

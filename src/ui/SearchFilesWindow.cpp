@@ -73,6 +73,12 @@ SearchFilesWindow::SearchFilesWindow(MainWindow& main) : ResultWindow(main, Layo
     fitToContents();
 }
 
+void SearchFilesWindow::relabel() {
+    ResultWindow::relabel();
+    textures_->setText(Q(main_.editor().text("files3")));
+    collisions_->setText(Q(main_.editor().text("files5")));
+}
+
 void SearchFilesWindow::search() {
     {
         LentProgressBar lent(main_.desktop(), progress_);

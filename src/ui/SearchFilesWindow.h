@@ -22,6 +22,7 @@ public:
     QRadioButton* collisionMode() const { return collisions_; }
     QProgressBar* progress() const { return progress_; }
     void search() override;
+    void relabel() override;
 
 private:
     void save() override;

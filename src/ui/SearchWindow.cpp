@@ -64,6 +64,13 @@ SearchWindow::SearchWindow(MainWindow& main) : ResultWindow(main, Layout) {
     fitToContents();
 }
 
+void SearchWindow::relabel() {
+    ResultWindow::relabel();
+    for (std::size_t i = 0; i < TypeOptions.size(); ++i) {
+        types_[i]->setText(QString::fromStdString(main_.editor().text(TypeOptions[i].key)));
+    }
+}
+
 std::optional<EntryKind> SearchWindow::kind() const {
     for (std::size_t i = 0; i < TypeOptions.size(); ++i) {
         if (types_[i]->isChecked()) {

@@ -20,6 +20,7 @@ public:
     // The chosen kind; nothing for "all".
     std::optional<EntryKind> kind() const;
     void search() override;
+    void relabel() override;
 
 private:
     void save() override;

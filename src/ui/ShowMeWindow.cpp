@@ -37,7 +37,7 @@ QAction* MenuItem(QMenu* menu, const char* name) {
 
 ShowMeWindow::ShowMeWindow(MainWindow& main) : QWidget(&main, Qt::Window), main_(main) {
     setObjectName(QStringLiteral("showTheseFiles"));
-    setWindowTitle(QStringLiteral(" Show me"));
+    setWindowTitle(QStringLiteral(" ") + Q(main_.editor().settings().LookupPlainText("menub9")));
     const Editor& editor = main_.editor();
 
     list_ = new QTreeWidget(this);
@@ -60,6 +60,7 @@ ShowMeWindow::ShowMeWindow(MainWindow& main) : QWidget(&main, Qt::Window), main_
 
     options_ = new QMenu(this);
     options_->setObjectName(QStringLiteral("options"));
+    // The items' texts come from relabel().
     QAction* selectAll = MenuItem(options_, "SelectTheMall");
     options_->addSeparator();
     QAction* highlightItem = MenuItem(options_, "HighLightFiel");
@@ -68,12 +69,7 @@ ShowMeWindow::ShowMeWindow(MainWindow& main) : QWidget(&main, Qt::Window), main_
     QAction* open = MenuItem(options_, "OpenFile");
     QAction* extract = MenuItem(options_, "extractFile");
     QAction* quick = MenuItem(options_, "OutQuick");
-    selectAll->setText(Q(editor.text("sd10")));
-    highlightItem->setText(Q(editor.text("sd11")));
-    highlightClose->setText(Q(editor.text("sd12")));
-    open->setText(Q(editor.text("sd13")));
-    extract->setText(Q(editor.text("menuc2")));
-    quick->setText(Q(editor.text("menuc3")));
+    relabel();
 
     connect(selectAll, &QAction::triggered, list_, &QTreeWidget::selectAll);
     connect(highlightItem, &QAction::triggered, this, [this] { highlight(); });
@@ -119,6 +115,28 @@ ShowMeWindow::ShowMeWindow(MainWindow& main) : QWidget(&main, Qt::Window), main_
     layout->addLayout(buttons);
     list_->setMinimumSize(twips(2400), twips(1500));
     resize(std::max(twips(4200), sizeHint().width()), twips(5200));
+}
+
+void ShowMeWindow::relabel() {
+    const Editor& editor = main_.editor();
+    const auto text = [&editor](const char* key) { return Q(editor.text(key)); };
+    list_->setHeaderLabels({text("sd17"), text("sd15")});
+    save_->setText(text("find6"));
+    close_->setText(text("find4"));
+    const std::pair<const char*, const char*> items[] = {
+        {"SelectTheMall", "sd10"}, {"HighLightFiel", "sd11"}, {"HClose", "sd12"},
+        {"OpenFile", "sd13"},      {"extractFile", "menuc2"}, {"OutQuick", "menuc3"},
+    };
+    for (const auto& [name, key] : items) {
+        options_->findChild<QAction*>(QString::fromLatin1(name))->setText(text(key));
+    }
+    if (!shown_.titleKey.empty()) {
+        shown_.title = ShowMeTitle(editor, shown_);
+        setWindowTitle(Q(shown_.title));
+    }
+    if (shown_.placeholder() && list_->topLevelItemCount() == 1) {
+        list_->topLevelItem(0)->setText(0, text("sd2"));
+    }
 }
 
 int ShowMeWindow::twips(int value) const {

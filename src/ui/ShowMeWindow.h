@@ -23,6 +23,8 @@ public:
 
     // Refills the list and the title from a show-me command.
     void fill(ShowMeList list);
+    // Every text in the current language; the list stays as it is.
+    void relabel();
 
     QTreeWidget* fileList() const { return list_; }
     QMenu* options() const { return options_; }

@@ -31,6 +31,15 @@ void ToolWindows::openLineColours() {
     lineColors_->activateWindow();
 }
 
+void ToolWindows::relabel() {
+    if (!lineColors_.isNull()) {
+        lineColors_->relabel();
+    }
+    if (!showMe_.isNull()) {
+        showMe_->relabel();
+    }
+}
+
 void ToolWindows::showEntryList(ShowMeList list) {
     if (showMe_.isNull()) {
         showMe_ = new ShowMeWindow(main_);

@@ -22,6 +22,8 @@ public:
 
     void openLineColours();
     void showEntryList(ShowMeList list);
+    // The open windows take the texts of the current language.
+    void relabel();
 
     // The windows, once a command opened them.
     LineColorsDialog* lineColors() const;

@@ -2,6 +2,7 @@
 // classic layouts are; the screen's logical DPI turns them into pixels.
 #pragma once
 
+#include "settings/TextForms.h"
 #include "window/MenuTree.h"
 
 #include <QKeyEvent>
@@ -61,9 +62,9 @@ inline void ChainTabOrder(std::initializer_list<QWidget*> widgets) {
 }
 
 // A caption from the language file without its mnemonic marks, for window
-// titles; the rule is the menu tree's.
+// titles; the one rule is PlainCaption.
 inline QString WithoutMnemonic(const QString& caption) {
-    return QString::fromStdString(korvel::WithoutMnemonic(caption.toStdString()));
+    return QString::fromStdString(korvel::PlainCaption(caption.toStdString()));
 }
 
 } // namespace korvel::ui

@@ -88,14 +88,14 @@ void Editor::FindHighestOffset() {
 }
 
 void Editor::ShowEntryCount() {
-    desktop_.SetStats(text("stats1") + " " + std::to_string(table().size()));
+    desktop_.SetStats(settings_.LookupCountText("entryCount", table().size()));
 }
 
 bool Editor::WriteDirectory() {
     const Status status = archive_.WriteDirectory();
     if (!status.ok()) {
-        desktop_.ShowMessage(FileFailureText(settings_, status.error()), "Error",
-                             MessageIcon::Exclamation);
+        desktop_.ShowMessage(FileFailureText(settings_, StatusText(settings_, status)),
+                             text("errorTitle"), MessageIcon::Exclamation);
     }
     return status.ok();
 }

@@ -34,6 +34,7 @@ public:
     MenuState& menu() { return menu_; }
     const MenuState& menu() const { return menu_; }
     Settings& settings() { return settings_; }
+    const Settings& settings() const { return settings_; }
     Desktop& desktop() { return desktop_; }
     std::string text(std::string_view key) const { return settings_.LookupText(key); }
 

@@ -26,9 +26,9 @@ namespace {
 void ShowMissingBytes(Editor& editor, std::size_t row, const ExtractResult& result) {
     if (result.missingBytes > 0) {
         editor.desktop().ShowMessage(
-            MissingBytesText(editor.table()[row].name, result.missingBytes) +
-                ", so only the bytes that exist were written.",
-            "Error", MessageIcon::Exclamation);
+            editor.settings().LookupFilled("missingBytes", {Cp1252ToUtf8(editor.table()[row].name),
+                                                            std::to_string(result.missingBytes)}),
+            editor.text("errorTitle"), MessageIcon::Exclamation);
     }
 }
 
@@ -55,8 +55,12 @@ std::vector<std::size_t> EntryCommands::SelectedRows() const {
 }
 
 void EntryCommands::ShowError(const std::string& error, const std::string& concerning) {
-    editor_.desktop().ShowMessage(FileFailureText(editor_.settings(), error, concerning), "Error",
-                                  MessageIcon::Exclamation);
+    editor_.desktop().ShowMessage(FileFailureText(editor_.settings(), error, concerning),
+                                  editor_.text("errorTitle"), MessageIcon::Exclamation);
+}
+
+void EntryCommands::ShowError(const Status& failed, const std::string& concerning) {
+    ShowError(StatusText(editor_.settings(), failed), concerning);
 }
 
 // The folder part of a chosen path, up to and including its last separator,
@@ -171,7 +175,8 @@ bool EntryCommands::ExtractEntry(std::size_t row, ExtractMode mode, OverwriteAsk
         folder = editor_.settings().ReadSetting("lastExtract");
         if (folder == NoPath) {
             desktop.ShowMessage(editor_.text("extract3") + "\r\n" + editor_.text("extract4"),
-                                editor_.text("menuc3"), MessageIcon::Information);
+                                editor_.settings().LookupPlainText("menuc3"),
+                                MessageIcon::Information);
             desktop.SetStatus(editor_.text("extract2"));
             return false;
         }
@@ -195,11 +200,12 @@ bool EntryCommands::ExtractEntry(std::size_t row, ExtractMode mode, OverwriteAsk
         return false;
     }
     if (!result.target || result.refused) {
-        desktop.ShowMessage(result.status.error(), "Error", MessageIcon::Exclamation);
+        desktop.ShowMessage(StatusText(editor_.settings(), result.status),
+                            editor_.text("errorTitle"), MessageIcon::Exclamation);
         return false;
     }
     if (!result.status.ok()) {
-        ShowError(result.status.error(), result.target->string());
+        ShowError(result.status, result.target->string());
         return false;
     }
     ShowMissingBytes(editor_, row, result);
@@ -231,15 +237,15 @@ void EntryCommands::ViewSelectedEntries() {
         const std::string& name = editor_.table()[row].name;
         if (!IsViewableName(name)) {
             // The desktop would run a script or a program rather than show it.
-            editor_.desktop().ShowMessage("The entry \"" + ShownName(name) +
-                                              "\" is not opened: it is not a kind of file "
-                                              "Korvel hands to other programs to view.",
-                                          "", MessageIcon::Information);
+            editor_.desktop().ShowMessage(
+                editor_.settings().LookupFilled("notViewable", {ShownName(name)}), "",
+                MessageIcon::Information);
             continue;
         }
         const ExtractResult copy = ExtractEntryTo(editor_.archive(), row, TempsFolder());
         if (!copy.target || copy.refused) {
-            editor_.desktop().ShowMessage(copy.status.error(), "Error", MessageIcon::Exclamation);
+            editor_.desktop().ShowMessage(StatusText(editor_.settings(), copy.status),
+                                          editor_.text("errorTitle"), MessageIcon::Exclamation);
             continue;
         }
         // Viewing stops quietly at the first copy that cannot be made.
@@ -269,7 +275,7 @@ void EntryCommands::ShowDeleteProgress(std::size_t count) {
         desktop.ShowProgress(static_cast<int>(count));
     }
     for (std::size_t deleted = 1; deleted <= count; ++deleted) {
-        desktop.SetStatus("Deleted " + std::to_string(deleted));
+        desktop.SetStatus(editor_.settings().LookupCountText("deleted", deleted));
         if (showProgress) {
             desktop.SetProgress(static_cast<int>(deleted));
         }
@@ -283,8 +289,7 @@ void EntryCommands::DeleteSelectedAsking() {
         return;
     }
     if (BooleanWord(editor_.settings().ReadSetting("deleteProm")).value_or(false)) {
-        const std::string question =
-            editor_.text("del1") + " " + std::to_string(rows.size()) + " " + editor_.text("del2");
+        const std::string question = editor_.settings().LookupCountText("deleteAsk", rows.size());
         if (!editor_.desktop().AskDestructive(question, editor_.text("del3"))) {
             return;
         }
@@ -293,7 +298,7 @@ void EntryCommands::DeleteSelectedAsking() {
     if (const Status deleted = DeleteRows(editor_.archive(), rows); !deleted.ok()) {
         // The count shown while working must not stand: nothing was deleted.
         editor_.desktop().SetStatus("Deleted 0");
-        ShowError(deleted.error());
+        ShowError(deleted);
         return;
     }
     editor_.MarkArchiveChanged();
@@ -323,7 +328,7 @@ void EntryCommands::MoveSelectedToEnd() {
     }
     ShowDeleteProgress(rows.size());
     if (const Status moved = MoveRowsToEnd(editor_.archive(), rows); !moved.ok()) {
-        ShowError(moved.error());
+        ShowError(moved);
         return;
     }
     editor_.MarkArchiveChanged();
@@ -339,14 +344,14 @@ void EntryCommands::MoveSelectedToEnd() {
         }
     }
     table.setSelection(selected);
-    desktop.SetStatus(std::to_string(rows.size()) + " " + editor_.text("move3"));
+    desktop.SetStatus(editor_.settings().LookupCountText("moved", rows.size()));
 }
 
 // --- rebuilding ----------------------------------------------------------------
 
 void EntryCommands::RebuildAsking() {
     const std::string question = editor_.text("rebuild1") + "\r\n" + editor_.text("rebuild2");
-    if (editor_.desktop().AskDestructive(question, editor_.text("menuc9") + "?")) {
+    if (editor_.desktop().AskDestructive(question, editor_.settings().LookupPlainText("menuc9") + "?")) {
         Rebuild();
     }
 }
@@ -378,14 +383,14 @@ bool EntryCommands::Rebuild() {
         return false;
     }
     if (!result.status.ok()) {
-        ShowError(result.status.error());
+        ShowError(result.status);
     }
     if (!result.cut.empty()) {
         std::string cut;
         for (const std::string& line : result.cut) {
             cut += line + ".\r\n";
         }
-        desktop.ShowMessage(cut + "The rebuilt archive keeps the sectors that exist.", "Error",
+        desktop.ShowMessage(cut + editor_.text("rebuildCut"), editor_.text("errorTitle"),
                             MessageIcon::Exclamation);
     }
     if (!result.reopen) {
@@ -411,12 +416,12 @@ bool EntryCommands::InsertMarker() {
     const MarkerResult result = korvel::InsertMarker(editor_.archive(), editor_.text("markText"));
     switch (result.failed) {
     case MarkerResult::Failed::MarkerFile:
-        ShowError(result.status.error());
+        ShowError(result.status);
         return false;
     case MarkerResult::Failed::Data:
-        ReportAddFailure(result.status.error(), std::string(MarkerName));
+        ReportAddFailure(StatusText(editor_.settings(), result.status), std::string(MarkerName));
         if (!result.directoryAfterFailure.ok()) {
-            ShowError(result.directoryAfterFailure.error());
+            ShowError(result.directoryAfterFailure);
         }
         return false;
     case MarkerResult::Failed::Directory:
@@ -426,7 +431,7 @@ bool EntryCommands::InsertMarker() {
     editor_.ShowEntryCount();
     editor_.desktop().SetStatus(editor_.text("markerIn"));
     if (!result.status.ok()) {
-        ShowError(result.status.error());
+        ShowError(result.status);
         return false;
     }
     return true;

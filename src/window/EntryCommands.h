@@ -106,6 +106,8 @@ private:
     bool ReportAdded(const AddOutcome& outcome, const std::string& name);
     void ReportAddFailure(const std::string& description, const std::string& name);
     void ShowError(const std::string& error, const std::string& concerning = {});
+    // The failure in the person's language (StatusText).
+    void ShowError(const Status& failed, const std::string& concerning = {});
     void ShowDeleteProgress(std::size_t count);
     bool ReplaceWithDialog(std::size_t row);
 

@@ -51,8 +51,8 @@ void RecordDuplicateAnswer(Settings& settings, const DuplicateDialogAnswer& answ
 // --- adding --------------------------------------------------------------------
 
 void EntryCommands::ReportAddFailure(const std::string& description, const std::string& name) {
-    editor_.desktop().ShowMessage(AddFailureText(editor_.settings(), description, name), "Error",
-                                  MessageIcon::Exclamation);
+    editor_.desktop().ShowMessage(AddFailureText(editor_.settings(), description, name),
+                                  editor_.text("errorTitle"), MessageIcon::Exclamation);
 }
 
 DecideDuplicate EntryCommands::DuplicateDecider() {
@@ -122,13 +122,13 @@ bool EntryCommands::ReportAdded(const AddOutcome& outcome, const std::string& na
         break;
     }
     if (outcome.directoryNotWritten) {
-        ShowError(outcome.status.error());
+        ShowError(outcome.status);
         ReportAddFailure(std::string(DirectoryNotWrittenText), name);
     } else {
-        ReportAddFailure(outcome.status.error(), name);
+        ReportAddFailure(StatusText(editor_.settings(), outcome.status), name);
     }
     if (!outcome.directoryAfterFailure.ok()) {
-        ShowError(outcome.directoryAfterFailure.error());
+        ShowError(outcome.directoryAfterFailure);
     }
     return true;
 }
@@ -202,7 +202,7 @@ std::size_t EntryCommands::AddFileBatch(const std::vector<std::string>& paths, b
     }
     const Status written = batch.Finish();
     if (!written.ok()) {
-        ShowError(written.error());
+        ShowError(written);
         // The directory file still lists what it listed before: none of them
         // is in the archive.
         failed += added;
@@ -214,7 +214,7 @@ std::size_t EntryCommands::AddFileBatch(const std::vector<std::string>& paths, b
     } else if (cancelled) {
         desktop.SetStatus(CountedText(editor_.text("addCancelled"), added, paths.size()));
     } else {
-        std::string counts = std::to_string(added) + " " + editor_.text("adding3");
+        std::string counts = editor_.settings().LookupCountText("filesAdded", added);
         if (skipped != 0) {
             counts += ", " + std::to_string(skipped) + " " + editor_.text("addSkipped");
         }
@@ -224,9 +224,10 @@ std::size_t EntryCommands::AddFileBatch(const std::vector<std::string>& paths, b
         desktop.SetStatus(counts);
     }
     if (!shortened.empty()) {
-        desktop.ShowMessage("These names are longer than the " + std::to_string(NameFieldSize) +
-                                " characters an entry's name holds and were shortened:" + shortened,
-                            "", MessageIcon::Information);
+        desktop.ShowMessage(
+            editor_.settings().LookupFilled("namesShortened", {std::to_string(NameFieldSize)}) +
+                shortened,
+            "", MessageIcon::Information);
     }
     return written.ok() ? failed : std::max<std::size_t>(failed, 1);
 }

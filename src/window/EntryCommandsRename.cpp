@@ -65,30 +65,27 @@ bool EntryCommands::DoRenameEntry(const EntryRef& entry, const std::string& type
 bool EntryCommands::DoRename(std::size_t row, const std::string& typed) {
     Desktop& desktop = editor_.desktop();
     if (typed.find_first_not_of(' ') == std::string::npos) {
-        desktop.ShowMessage("No name entered", "", MessageIcon::Information);
+        desktop.ShowMessage(editor_.text("noNameTyped"), "", MessageIcon::Information);
         return false;
     }
     const auto name = Utf8ToCp1252(typed);
     if (!name) {
-        desktop.ShowMessage("The name \"" + typed +
-                                "\" holds characters an archive cannot store (names are "
-                                "Windows-1252 text).",
-                            "", MessageIcon::Information);
+        desktop.ShowMessage(editor_.settings().LookupFilled("nameNotStorable", {typed}), "",
+                            MessageIcon::Information);
         return false;
     }
-    if (const std::string problem = EntryNameProblem(*name); !problem.empty()) {
-        desktop.ShowMessage(problem, "", MessageIcon::Information);
+    if (const Status problem = CheckEntryName(*name); !problem.ok()) {
+        desktop.ShowMessage(StatusText(editor_.settings(), problem), "", MessageIcon::Information);
         return false;
     }
     if (row >= editor_.table().size()) {
         return true;
     }
     if (const Status renamed = RenameEntry(editor_.archive(), row, *name); !renamed.ok()) {
-        ShowError(renamed.error());
+        ShowError(renamed);
         return true;
     }
-    desktop.SetStatus(IsRude(*name) ? std::string("You kiss your mother with that mouth?")
-                                    : editor_.text("sd1"));
+    desktop.SetStatus(editor_.text(IsRude(*name) ? "rudeName" : "sd1"));
     return true;
 }
 
@@ -98,12 +95,11 @@ void EntryCommands::LowerCaseSelected(NameCase which) {
     }
     const LowerCaseResult result = LowerCaseNames(editor_.archive(), SelectedRows(), which);
     if (!result.status.ok()) {
-        ShowError(result.status.error());
+        ShowError(result.status);
         return;
     }
-    editor_.desktop().SetStatus(
-        std::to_string(result.count) + " " +
-        (which == NameCase::Extension ? editor_.text("lcase2") : editor_.text("lcase1")));
+    editor_.desktop().SetStatus(editor_.settings().LookupCountText(
+        which == NameCase::Extension ? "lowerExts" : "lowerNames", result.count));
 }
 
 } // namespace korvel

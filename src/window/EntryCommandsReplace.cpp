@@ -24,7 +24,7 @@ namespace fs = std::filesystem;
 ReplaceResult EntryCommands::ReplaceRow(std::size_t row, const std::string& path) {
     ReplaceResult result = ReplaceEntry(editor_.archive(), row, path);
     if (result.directoryNotWritten) {
-        ShowError(result.status.error());
+        ShowError(result.status);
     } else if (result.status.ok()) {
         editor_.desktop().SetStatus(Cp1252ToUtf8(editor_.table()[row].name) + " " +
                                     editor_.text("rep5"));
@@ -59,7 +59,7 @@ bool EntryCommands::ReplaceWithDialog(std::size_t row) {
     const ReplaceResult result = ReplaceRow(row, path);
     if (!result.status.ok()) {
         if (!result.directoryNotWritten) {
-            ShowError(result.status.error());
+            ShowError(result.status);
         }
         return false;
     }

@@ -108,7 +108,7 @@ void SaveResultLines(Editor& editor, bool searched, const std::vector<std::strin
 } // namespace
 
 std::string FoundCountText(const Editor& editor, std::size_t count) {
-    return editor.text("find5") + " " + std::to_string(count);
+    return editor.settings().LookupCountText("found", count);
 }
 
 std::vector<FoundEntry> SearchArchive(Editor& editor, const std::string& text,

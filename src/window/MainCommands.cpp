@@ -152,6 +152,7 @@ void MainCommands::SwitchLanguage(int slot) {
     if (editor_.isOpen()) {
         editor_.ReloadArchive();
     }
+    list_.LanguageChanged();
     editor_.desktop().SetStatus(editor_.settings().ReadSetting("language") + " " + text("sd5"));
 }
 
@@ -226,9 +227,8 @@ void MainCommands::ClearSelection() {
 void MainCommands::SelectAllEntries() {
     ClearSelection();
     editor_.table().selectAll();
-    editor_.desktop().SetStatus(text("select1") + " " +
-                                std::to_string(editor_.table().selectedCount()) + " " +
-                                text("select2"));
+    editor_.desktop().SetStatus(
+        editor_.settings().LookupCountText("selected", editor_.table().selectedCount()));
 }
 
 void MainCommands::SelectByType(std::string_view item) {

@@ -26,6 +26,9 @@ public:
     // Rows in colour 1 and colour 2 in turn, colour 1 at the top; nothing
     // removes the stripes.
     virtual void SetRowStripes(std::optional<std::pair<Rgb, Rgb>> colours) = 0;
+    // The interface language changed and the menus are relabelled: whatever
+    // else shows texts (open windows, the toolkit's own) follows.
+    virtual void LanguageChanged() {}
 };
 
 // The "Select all" items for one kind of entry: the item, the kind it

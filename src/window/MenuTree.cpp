@@ -157,22 +157,6 @@ void ToggleStandardShortcuts(MenuState& menu, Settings& settings) {
     ApplyShortcutScheme(menu, standardKeys);
 }
 
-bool CaptionHasMnemonic(const MenuNode& node) {
-    return !node.textKey.empty();
-}
-
-std::string WithoutMnemonic(std::string_view caption) {
-    std::string plain;
-    plain.reserve(caption.size());
-    for (std::size_t i = 0; i < caption.size(); ++i) {
-        if (caption[i] == '&' && i + 1 < caption.size()) {
-            ++i;
-        }
-        plain += caption[i];
-    }
-    return plain;
-}
-
 void SeedMenuState(MenuState& menu) {
     ApplyShortcutScheme(menu, false);
     ForEachMenuNode(MainMenuTree(), [&](const MenuNode& node) {

@@ -81,14 +81,6 @@ void ApplyShortcutScheme(MenuState& menu, bool standardKeys);
 // OptStdKeys: flips the scheme, remembers it in korvel.ini and applies it.
 void ToggleStandardShortcuts(MenuState& menu, Settings& settings);
 
-// A caption that is data (a recent archive's path, a language's name) is
-// shown as it is; the others come from the language file, where `&` marks
-// the letter that Alt and the letter open the item with.
-bool CaptionHasMnemonic(const MenuNode& node);
-// Such a caption where text is shown literally (a window title, a message's
-// title, a report): "&Find" -> "Find", "&&" -> "&".
-std::string WithoutMnemonic(std::string_view caption);
-
 inline constexpr int LanguageSlotCount = 7;
 std::string LanguageSlotName(int slot); // "lang1".."lang7"
 

@@ -126,17 +126,17 @@ QuickReplaceCounts QuickReplace::ReplaceSelectedFromFolder(const std::string& fo
         for (const std::string& problem : counts.refused) {
             refused += (refused.empty() ? "" : "\r\n") + problem;
         }
-        desktop.ShowMessage(refused, "Error", MessageIcon::Exclamation);
+        desktop.ShowMessage(refused, settings.LookupText("errorTitle"), MessageIcon::Exclamation);
     }
     if (!counts.status.ok()) {
         if (counts.directoryNotWritten) {
-            desktop.ShowMessage(FileFailureText(settings, counts.status.error()), "Error",
-                                MessageIcon::Exclamation);
+            desktop.ShowMessage(FileFailureText(settings, StatusText(settings, counts.status)),
+                                settings.LookupText("errorTitle"), MessageIcon::Exclamation);
         }
         const std::string error = counts.directoryNotWritten ? std::string(DirectoryNotWrittenText)
                                                              : counts.status.error();
         desktop.ShowMessage(FileFailureText(settings, error, Cp1252ToUtf8(counts.failedName)),
-                            "Error", MessageIcon::Exclamation);
+                            settings.LookupText("errorTitle"), MessageIcon::Exclamation);
     }
     settings.WriteSetting(counts.folder, "lastQR");
     table.clearSelection();
@@ -144,8 +144,8 @@ QuickReplaceCounts QuickReplace::ReplaceSelectedFromFolder(const std::string& fo
         desktop.SetStatus(CountedText(editor_.text("qrCancelled"), counts.replaced, rows.size()));
         return counts;
     }
-    desktop.SetStatus(std::to_string(counts.replaced) + " " + editor_.text("filesRep") + ", " +
-                      std::to_string(counts.skipped) + " " + editor_.text("filesSkip"));
+    desktop.SetStatus(settings.LookupCountText("replaced", counts.replaced) + ", " +
+                      settings.LookupCountText("skipped", counts.skipped));
     return counts;
 }
 

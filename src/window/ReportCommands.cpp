@@ -26,7 +26,7 @@ void SaveReportAskingPath(Editor& editor, ReportKind kind) {
     // Offered as the archive's own name with the report's extension, which
     // is also added when the person types a name without one.
     const std::string extension = kind == ReportKind::Text ? "txt" : "html";
-    const FileDialogRequest request{editor.text("menub10"),
+    const FileDialogRequest request{editor.settings().LookupPlainText("menub10"),
                                     kind == ReportKind::Text ? editor.text("cdFiles3")
                                                              : editor.text("cdFiles4"),
                                     {},
@@ -58,7 +58,7 @@ void SaveHtmlReportAskingPath(Editor& editor) {
 void CheckArchiveAsking(Editor& editor) {
     Desktop& desktop = editor.desktop();
     if (desktop.AskYesNo(editor.text("aCheck1") + "\n" + editor.text("rebuild2"),
-                         editor.text("menub8") + "?")) {
+                         editor.settings().LookupPlainText("menub8") + "?")) {
         const std::string label = editor.text("aCheck4");
         DuplicateReport report(editor.settings(), CheckPairsListed);
         (void)ForEachDuplicatePair(

@@ -29,7 +29,7 @@ SaveOutcome SaveLinesAskingPath(Editor& editor, const FileDialogRequest& request
                 OutputTargetProblem(path, editor.isOpen() ? ArchiveOwnFiles(editor.archive())
                                                           : std::vector<std::filesystem::path>{});
             !problem.empty()) {
-            desktop.ShowMessage(problem, "Error", MessageIcon::Exclamation);
+            desktop.ShowMessage(problem, editor.text("errorTitle"), MessageIcon::Exclamation);
             continue;
         }
         if (askBeforeReplacing && FileExists(path) &&

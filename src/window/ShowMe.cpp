@@ -21,8 +21,13 @@ std::optional<ShowMeList> BuildShowMeList(const Editor& editor, std::string_view
             list.rows.push_back({name, row + 1, IconKey(IconKindOfName(name)), table.refOf(row)});
         }
     }
-    list.title = " " + editor.text(family->titleKey) + std::to_string(list.rows.size()) + "]";
+    list.titleKey = family->titleKey;
+    list.title = ShowMeTitle(editor, list);
     return list;
+}
+
+std::string ShowMeTitle(const Editor& editor, const ShowMeList& list) {
+    return " " + editor.text(list.titleKey) + std::to_string(list.rows.size()) + "]";
 }
 
 std::vector<std::string> ShowMeLines(const Editor& editor, const ShowMeList& list) {

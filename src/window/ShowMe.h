@@ -38,11 +38,15 @@ struct ShowMeRow {
 };
 
 struct ShowMeList {
-    std::string title; // " ", text(titleKey), count, "]"
+    std::string title; // ShowMeTitle of the family and the count
+    std::string_view titleKey;
     std::vector<ShowMeRow> rows;
     // Shown as one row of text(`sd2`) with the "none" icon and no number.
     bool placeholder() const { return rows.empty(); }
 };
+
+// " ", text(titleKey), the count, "]".
+std::string ShowMeTitle(const Editor& editor, const ShowMeList& list);
 
 // Nothing when `item` is not one of the five commands.
 std::optional<ShowMeList> BuildShowMeList(const Editor& editor, std::string_view item);

@@ -15,7 +15,7 @@ TEST_F(Add, FilesGoBehindTheLastEntryInWholeSectorsWithZeroPadding) {
     EXPECT_EQ(records(), tableRecords());
     EXPECT_EQ(imgBytes(),
               a + std::string(2048, '\0') + b + std::string(2047, '\0') + std::string(2048, '\0'));
-    EXPECT_EQ(desktop.stats, text("stats1") + " 3");
+    EXPECT_EQ(desktop.stats, "Entries: 3");
     EXPECT_EQ(editor.highestOffset(), 3 * SectorSize);
 
     // Sorted by name the entry last in the data file is the first row.
@@ -45,7 +45,7 @@ TEST_F(Add, EditAddPutsTextureDictionariesLastAndRemembersTheFolder) {
                                         "status: " + text("adding1") + " 3" + of + "3",
                                         "status: " + text("adding4") + " 1" + of + "2",
                                         "status: " + text("adding4") + " 2" + of + "2",
-                                        "status: 3 " + text("adding3")}));
+                                        "status: 3 files added"}));
 
     // One file: its folder with the separator, and adding5.
     desktop.conversation.clear();

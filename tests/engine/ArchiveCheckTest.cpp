@@ -82,8 +82,7 @@ TEST_F(CheckCommandTest, ShowsAndCopiesOnlyWhatItFound) {
     for (int i = 0; i < 10'000; ++i)
         many += "\r\na.dff";
     many += "\r\n" + text("aCheck7") + " 153";
-    const std::string question =
-        "ask " + text("menub8") + "?: " + text("aCheck1") + "\n" + text("rebuild2");
+    const std::string question = "ask Archive check?: " + text("aCheck1") + "\n" + text("rebuild2");
     const struct {
         std::vector<DirRecord> rows;
         const char* answer;

@@ -16,8 +16,8 @@ TEST_F(DeleteMove, TheConfirmationDecidesAndDeletingKeepsTheData) {
     desktop.answer({"no"});
     commands.DeleteSelectedAsking();
     EXPECT_EQ(desktop.said("ask"),
-              (std::vector<std::string>{"ask !" + text("del3") + ": " + text("del1") + " 2 " +
-                                        text("del2") + " -> no"}));
+              (std::vector<std::string>{"ask !" + text("del3") +
+                                        ": Delete 2 selected entries from the archive? -> no"}));
     EXPECT_EQ(dirBytes(), dir0);
     EXPECT_EQ(settings.ReadSetting("archiveState"), "peachy");
 
@@ -29,9 +29,9 @@ TEST_F(DeleteMove, TheConfirmationDecidesAndDeletingKeepsTheData) {
     EXPECT_EQ(imgBytes(), img0);
     EXPECT_EQ(settings.ReadSetting("archiveState"), "shit");
     EXPECT_EQ(desktop.said("status"),
-              (std::vector<std::string>{"status: Deleted 1", "status: Deleted 2",
+              (std::vector<std::string>{"status: 1 entry deleted", "status: 2 entries deleted",
                                         "status: " + text("del4")}));
-    EXPECT_EQ(desktop.stats, text("stats1") + " 3");
+    EXPECT_EQ(desktop.stats, "Entries: 3");
 
     // Nothing selected: not even a question.
     desktop.conversation.clear();
@@ -73,7 +73,7 @@ TEST_F(DeleteMove, MovingKeepsPlacementAndChangesOnlyTheOrder) {
     EXPECT_EQ(records(), tableRecords());
     EXPECT_EQ(imgBytes(), img0);
     EXPECT_EQ(selected(), (std::vector<std::size_t>{3, 4})); // the moved ones, nothing else
-    EXPECT_EQ(desktop.status, "2 " + text("move3"));
+    EXPECT_EQ(desktop.status, "2 entries moved to the end");
     EXPECT_EQ(settings.ReadSetting("archiveState"), "shit");
 
     // The last row together with others moves too, behind them.

@@ -41,7 +41,7 @@ TEST_F(EditorTest, OpeningListsTheRecordsAndEnablesTheCommands) {
     ASSERT_TRUE(editor.OpenArchive(img));
     EXPECT_EQ(editor.table()[1].name, "a.txd"); // directory order
     EXPECT_FALSE(editor.table().placeholder());
-    EXPECT_EQ(desktop.stats, text("stats1") + " 3");
+    EXPECT_EQ(desktop.stats, "Entries: 3");
     EXPECT_EQ(desktop.archivePath, img);
     EXPECT_EQ(editor.highestOffset(), 3 * SectorSize);
     EXPECT_EQ(editor.menu().caption("recent1"), img);
@@ -239,7 +239,7 @@ TEST_F(EditorTest, FileNewCreatesAnEmptyPairAndAsksBeforeReplacing) {
         const fs::path img = folder / c.img;
         EXPECT_EQ(fs::file_size(img) + fs::file_size(fs::path(img).replace_extension(".dir")), 0u);
         EXPECT_EQ(editor.dataPath(), img.string());
-        EXPECT_EQ(desktop.stats, text("stats1") + " 0");
+        EXPECT_EQ(desktop.stats, "Entries: 0");
         EXPECT_EQ(recent()[0], img.string());
     }
     EXPECT_EQ(desktop.said("ask")[0], "ask !" + text("fe3") + ": " + text("fe1") + " " +

@@ -84,8 +84,8 @@ TEST_F(Extract, QuickWithoutAFolderAndACancelledDialog) {
     select({0, 1});
     // No folder remembered: one message, no files, extract2.
     EXPECT_EQ(commands.ExtractSelectedToLastFolder(), 2u);
-    const std::string message = "message(Information) " + text("menuc3") + ": " + text("extract3") +
-                                "\r\n" + text("extract4");
+    const std::string message =
+        "message(Information) Quick extract: " + text("extract3") + "\r\n" + text("extract4");
     EXPECT_EQ(desktop.said("message"), (std::vector<std::string>{message}));
     EXPECT_EQ(desktop.status, text("extract2"));
 

@@ -1,5 +1,6 @@
 #include "platform/Cp1252.h"
 #include "settings/IniFile.h"
+#include "settings/TextForms.h"
 #include "window/LanguageMenu.h"
 #include "window/MenuTree.h"
 
@@ -7,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <regex>
@@ -58,9 +60,10 @@ TEST(LanguageMenu, SlotsFillInFileOrderAndCheckTheSettingIgnoringCase) {
     }
 }
 
-// Every key of every section of the shipped lang.ini, lower-cased.
-std::map<std::string, std::set<std::string>> ShippedKeys() {
-    std::map<std::string, std::set<std::string>> sections;
+// Every section's key lines in file order, keys lower-cased, repeats kept.
+using Lines = std::vector<std::pair<std::string, std::string>>;
+std::map<std::string, Lines> ShippedLines() {
+    std::map<std::string, Lines> sections;
     std::ifstream in(KORVEL_LANG_INI, std::ios::binary);
     std::string line, section;
     while (std::getline(in, line)) {
@@ -68,9 +71,9 @@ std::map<std::string, std::set<std::string>> ShippedKeys() {
             line.pop_back();
         if (IsSectionLine(line)) {
             section = SectionNameOf(line);
-            sections[section];
         } else if (const auto equals = line.find('='); equals != std::string::npos) {
-            sections[section].insert(ToLowerCp1252(line.substr(0, equals)));
+            sections[section].emplace_back(ToLowerCp1252(line.substr(0, equals)),
+                                           line.substr(equals + 1));
         }
     }
     return sections;
@@ -80,6 +83,8 @@ std::map<std::string, std::set<std::string>> ShippedKeys() {
 // keys held in the windows' own tables too, which this test cannot link).
 std::set<std::string> KeysNamedInSources(const std::set<std::string>& anyShippedKey) {
     const std::regex literal(R"re("([A-Za-z][A-Za-z0-9_]*)")re");
+    // A literal handed to a lookup is a key even when no section has it.
+    const std::regex lookup(R"re((text|Lookup\w*Text|LookupFilled)\(\s*"(\w+)")re");
     std::set<std::string> keys;
     for (const auto& file : std::filesystem::recursive_directory_iterator(
              std::filesystem::path(KORVEL_SOURCE_DIR) / "src")) {
@@ -91,29 +96,85 @@ std::set<std::string> KeysNamedInSources(const std::set<std::string>& anyShipped
             const std::string key = ToLowerCp1252((*word)[1].str());
             if (anyShippedKey.contains(key))
                 keys.insert(key);
+            if (anyShippedKey.contains(key + "one"))
+                keys.insert({key + "one", key + "many"});
         }
+        for (std::sregex_iterator call(source.begin(), source.end(), lookup), end; call != end;
+             ++call)
+            for (const char* form :
+                 (*call)[1] == "LookupCountText" ? std::array{"one", "many"} : std::array{"", ""})
+                keys.insert(ToLowerCp1252((*call)[2].str()) + form);
     }
     return keys;
 }
 
 // A key missing from one section shows "Settings error" in that language.
 TEST(ShippedLanguages, EverySectionHasEveryKeyTheEditorCanReach) {
-    const auto sections = ShippedKeys();
+    const auto sections = ShippedLines();
     ASSERT_GE(sections.size(), 3u);
     std::set<std::string> anyShippedKey;
-    for (const auto& [name, keys] : sections)
-        anyShippedKey.insert(keys.begin(), keys.end());
+    for (const auto& [name, lines] : sections)
+        for (const auto& [key, value] : lines)
+            anyShippedKey.insert(key);
     std::set<std::string> reached = KeysNamedInSources(anyShippedKey);
     ForEachMenuNode(MainMenuTree(), [&](const MenuNode& node) {
         if (!node.textKey.empty())
             reached.insert(ToLowerCp1252(node.textKey));
     });
     EXPECT_GT(reached.size(), 150u); // the scan found the sources
-    for (const auto& [name, keys] : sections) {
+    for (const auto& [name, lines] : sections) {
         if (name.empty())
             continue; // lines before the first section
+        const std::map<std::string, std::string> keys(lines.begin(), lines.end());
         for (const std::string& key : reached)
             EXPECT_TRUE(keys.contains(key)) << "[" << name << "] lacks " << key;
+    }
+}
+
+// Every language has the same keys, each once, with the same placeholders.
+TEST(ShippedLanguages, SectionsMatchKeyForKey) {
+    const auto sections = ShippedLines();
+    std::map<std::string, std::vector<int>> reference;
+    for (const auto& [key, value] : sections.at("english"))
+        reference[key] = PlaceholdersOf(value);
+    for (const auto& [name, lines] : sections) {
+        std::map<std::string, std::vector<int>> keys;
+        for (const auto& [key, value] : lines)
+            EXPECT_TRUE(keys.emplace(key, PlaceholdersOf(value)).second)
+                << "[" << name << "] repeats " << key;
+        EXPECT_EQ(keys, reference) << "[" << name << "] differs from [english]";
+    }
+}
+
+// The captions shown together: every menu of the tree, and each dialog's
+// controls (the find windows show files1..files5 beside their own buttons).
+TEST(ShippedLanguages, MnemonicsAreUniqueWhereShownTogether) {
+    // clang-format off
+    std::vector<std::vector<std::string>> groups = {
+        {"dup3", "dup4", "dup5", "dup6", "dup8", "okButton"}, {"qr4", "qr5", "qr6", "okButton"},
+        {"sd6", "nn2", "okButton"}, {"lc1", "lc2", "lc4", "okButton"}, {"find6", "find4"},
+        {"find1", "sd9", "find2", "files1", "files2", "files3", "files4", "files5", "find3", "find4"},
+        {"sd10", "sd11", "sd12", "sd13", "menuc2", "menuc3"}};
+    // clang-format on
+    const std::vector<MenuNode> bar{{"bar", "", "", "", false, MainMenuTree()}};
+    ForEachMenuNode(bar, [&](const MenuNode& node) {
+        if (node.isSubMenu())
+            groups.emplace_back();
+        for (const MenuNode& item : node.children)
+            if (!item.textKey.empty())
+                groups.back().push_back(item.textKey);
+    });
+    for (const auto& [name, lines] : ShippedLines()) {
+        const std::map<std::string, std::string> values(lines.begin(), lines.end());
+        for (const auto& group : groups) {
+            std::map<char, std::string> taken;
+            for (const std::string& key : group) {
+                const auto mnemonic = MnemonicOf(values.at(ToLowerCp1252(key)));
+                ASSERT_TRUE(mnemonic) << "[" << name << "] " << key << " has no mnemonic";
+                EXPECT_TRUE(taken.emplace(*mnemonic, key).second)
+                    << "[" << name << "] " << key << " repeats &" << *mnemonic;
+            }
+        }
     }
 }
 

@@ -31,8 +31,8 @@ protected:
     }
     std::string in() const { return (folder / "in").string(); }
     std::string summary(int replaced, int skipped) const {
-        return std::to_string(replaced) + " " + text("filesRep") + ", " + std::to_string(skipped) +
-               " " + text("filesSkip");
+        return std::to_string(replaced) + (replaced == 1 ? " entry" : " entries") + " replaced, " +
+               std::to_string(skipped) + " skipped";
     }
 
     ScriptedQuickReplaceDialogs qrDialogs;

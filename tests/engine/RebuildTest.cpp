@@ -48,8 +48,8 @@ TEST_F(Rebuild, TheConfirmationAndTheOfferOnClosing) {
     desktop.answer({"no"});
     commands.RebuildAsking();
     EXPECT_EQ(desktop.said("ask"),
-              (std::vector<std::string>{"ask !" + text("menuc9") + "?: " + text("rebuild1") +
-                                        "\r\n" + text("rebuild2") + " -> no"}));
+              (std::vector<std::string>{"ask !Rebuild archive?: " + text("rebuild1") + "\r\n" +
+                                        text("rebuild2") + " -> no"}));
     EXPECT_EQ(imgBytes(), img0);
     EXPECT_EQ(dirBytes(), dir0);
     EXPECT_EQ(settings.ReadSetting("archiveState"), "shit");

@@ -66,7 +66,7 @@ TEST_F(ReportCommandsTest, AsksBeforeReplacingAndSaysHowItWent) {
     const std::string img = (folder / "rep.img").string(), data = test::ReadBytes(img);
     desktop.answer({img, out, "no", out, "yes"});
     SaveTextReportAskingPath(editor);
-    const std::string save = "save " + text("menub10") + " [" + text("cdFiles3") + "] -> ";
+    const std::string save = "save Save archive report [" + text("cdFiles3") + "] -> ";
     const std::string ask = "ask " + text("fe2") + ": " + out + "\r\n" + text("fe3");
     EXPECT_EQ(desktop.conversation,
               (std::vector<std::string>{save + img,

@@ -126,6 +126,7 @@ void MainWindowTest::menuStateIsMirroredIntoTheActionsAndTheList() {
     QVERIFY(env->action("recent1")->isChecked());
     // A path is plain text: its ampersand is no mnemonic.
     QCOMPARE(env->action("recent1")->text(), QString::fromStdString(path).replace('&', "&&"));
+    QCOMPARE(env->action("lang1")->text(), QStringLiteral("&english"));
     QVERIFY(!view->showGrid() && !view->alternatingRowColors());
     env->action("OptGrid")->trigger();
     env->action("OptCols")->trigger();

@@ -103,6 +103,7 @@ private slots:
     void listWindowsActOnTheMainList();
     void lineColoursRepaintTheList();
     void missingFileQuestionStartsAtTheStoredChoice();
+    void openWindowsFollowTheLanguage();
 };
 
 void ToolWindowsTest::listWindowsActOnTheMainList() {
@@ -234,6 +235,23 @@ void ToolWindowsTest::missingFileQuestionStartsAtTheStoredChoice() {
         c.ok ? Click(&dialog, "ok") : dialog.reject();
         QCOMPARE(dialog.chosen(), c.chosen);
     }
+}
+
+// Switching the language relabels the windows already open, and Qt's own
+// words (here the key names of the menus' shortcuts) follow.
+void ToolWindowsTest::openWindowsFollowTheLanguage() {
+    const QKeySequence keys = env->action("FileOpen")->shortcut();
+    QCOMPARE(keys.toString(QKeySequence::NativeText), QStringLiteral("Strg+O"));
+    for (const ListWindow& c : ListWindows)
+        w->runCommand(c.open);
+    w->runCommand("OptsPick");
+    env->action("lang1")->trigger();
+    QCOMPARE(env->settings.ReadSetting("language"), "english");
+    for (const ListWindow& c : ListWindows)
+        ExpectCaptions(*env, w->findChild<QWidget*>(c.form), c.captions);
+    ExpectCaptions(*env, w->findChild<QWidget*>("lineColors"),
+                   "title=lc0 Label1=lc1 CloseThis=okButton");
+    QCOMPARE(keys.toString(QKeySequence::NativeText), QStringLiteral("Ctrl+O"));
 }
 
 QTEST_MAIN(ToolWindowsTest)
