@@ -194,7 +194,7 @@ void ResultWindow::relabel() {
         count_->setText(text("find5"));
         return;
     }
-    count_->setText(Q(FoundCountText(editor, numbers_.size())));
+    count_->setText(Q(FoundCountText(editor, entries_.size())));
     if (!showsResults()) {
         results_->topLevelItem(0)->setText(0, text("sd2"));
     }
