@@ -60,7 +60,7 @@ struct ShortcutChoice {
     std::string_view standard;
 };
 
-inline constexpr std::array<ShortcutChoice, 10> ShortcutChoices{{
+inline constexpr std::array<ShortcutChoice, 11> ShortcutChoices{{
     {"FileClose", "Ctrl+C", "Ctrl+W"},
     {"FileReload", "", "F5"},
     {"recent1", "F1", "Ctrl+1"},
@@ -71,6 +71,7 @@ inline constexpr std::array<ShortcutChoice, 10> ShortcutChoices{{
     {"EditAdd", "Ctrl+A", "Ins"},
     {"EditQuick", "F5", "Ctrl+Shift+E"},
     {"HelpHelp", "F12", "F1"},
+    {"EditCopyFiles", "Ctrl+Shift+C", "Ctrl+C"},
 }};
 
 // The key an item answers to in the chosen scheme; empty for none.

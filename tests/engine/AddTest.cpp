@@ -102,8 +102,8 @@ TEST_F(Add, TheFourAnswersToADuplicate) {
         const bool replaced = std::string(c.answer) == "replace";
         EXPECT_EQ(imgBytes().substr(0, 8) == "new data", replaced);
         EXPECT_EQ(desktop.status, std::string(c.answer) == "skip"
-                                      ? "0 " + text("adding3") + ", 1 " + text("addSkipped")
-                                      : "1 " + text("adding3"));
+                                      ? "0 files added, 1 " + text("addSkipped")
+                                      : "1 file added");
         if (std::string(c.answer) == "renameNew") {
             // The input box names the conflicting file.
             EXPECT_EQ(desktop.said("input"),
