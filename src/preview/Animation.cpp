@@ -75,15 +75,20 @@ struct Section {
     std::uint64_t next = 0;
 };
 
+// A section holding others (DGAN, CPAN) that runs past `end` is read as far
+// as it goes; any other must fit.
 bool ReadSection(std::string_view b, std::uint64_t at, std::uint64_t end, std::string_view tag,
-                 Section& s) {
+                 Section& s, bool holdsSections = false) {
     if (at > end || end - at < 8 || b.substr(at, 4) != tag) {
         return false;
     }
     s.size = Le32(b.data() + at + 4);
     s.body = at + 8;
     if (s.size > end - s.body) {
-        return false;
+        if (!holdsSections) {
+            return false;
+        }
+        s.size = static_cast<std::uint32_t>(end - s.body);
     }
     s.next = std::min(end, s.body + Align4(s.size));
     return true;
@@ -103,7 +108,7 @@ void ReadAnpk(std::string_view b, AnimationPackage& p) {
         Section name;
         Section dgan;
         if (!ReadSection(b, at, end, "NAME", name) ||
-            !ReadSection(b, name.next, end, "DGAN", dgan)) {
+            !ReadSection(b, name.next, end, "DGAN", dgan, true)) {
             return Stop(p, at, "animation " + std::to_string(i + 1) + " is not where it should be");
         }
         Animation& a = p.animations.emplace_back();
@@ -118,7 +123,7 @@ void ReadAnpk(std::string_view b, AnimationPackage& p) {
         for (std::uint32_t k = 0; k < objectCount; ++k) {
             Section cpan;
             Section anim;
-            if (!ReadSection(b, o, dganEnd, "CPAN", cpan) ||
+            if (!ReadSection(b, o, dganEnd, "CPAN", cpan, true) ||
                 !ReadSection(b, cpan.body, cpan.body + cpan.size, "ANIM", anim) || anim.size < 32) {
                 return Stop(p, o, "an object of " + a.name + " is not where it should be");
             }

@@ -40,9 +40,15 @@ public:
     explicit ClumpReader(std::string_view bytes, ModelInfo& model) : bytes_(bytes), m_(model) {}
 
     void read() {
-        RwChunk clump;
-        if (!ReadRwChunk(bytes_, 0, bytes_.size(), clump) || clump.type != ClumpId) {
+        if (bytes_.size() < 12 || Le32(bytes_.data()) != ClumpId) {
             return stop(0, "the entry does not start with a clump");
+        }
+        // A clump cut short is read as far as it goes.
+        bool clipped = false;
+        RwChunk clump{ClumpId, Le32(bytes_.data() + 4), Le32(bytes_.data() + 8), 0};
+        if (clump.size > bytes_.size() - 12) {
+            clump.size = static_cast<std::uint32_t>(bytes_.size() - 12);
+            clipped = true;
         }
         m_.version = RwVersion(clump.libraryId);
         forEachChild(clump, [this](const RwChunk& c) {
@@ -65,6 +71,9 @@ public:
         std::erase_if(m_.atomics, [&](const ModelAtomic& a) {
             return a.frame >= frames || a.geometry >= geometries;
         });
+        if (clipped) {
+            stop(bytes_.size(), "the clump runs past the end of the entry");
+        }
     }
 
 private:
@@ -208,7 +217,10 @@ private:
             triangles.reserve(nt);
             for (std::uint64_t i = 0; i < nt; ++i) {
                 const char* t = p + at + 8 * i;
-                triangles.push_back({Le16(t + 2), Le16(t), Le16(t + 6), Le16(t + 4)});
+                const ModelTriangle triangle{Le16(t + 2), Le16(t), Le16(t + 6), Le16(t + 4)};
+                if (triangle.a < nv && triangle.b < nv && triangle.c < nv) {
+                    triangles.push_back(triangle);
+                }
             }
             g.triangles = std::move(triangles);
             at += nt * 8;
@@ -238,8 +250,6 @@ private:
                 readMaterials(c, g);
             }
         });
-        std::erase_if(g.triangles,
-                      [&](const ModelTriangle& t) { return t.a >= nv || t.b >= nv || t.c >= nv; });
     }
 
     void readMaterials(const RwChunk& list, ModelGeometry& g) {
