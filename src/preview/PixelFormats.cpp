@@ -1,5 +1,7 @@
 #include "preview/PixelFormats.h"
 
+#include <algorithm>
+
 #ifdef KORVEL_HAVE_SQUISH
 #include <squish.h>
 #endif
@@ -142,7 +144,23 @@ DecodedImage DecodePixels(PixelFormat format, std::uint32_t width, std::uint32_t
         const int flags = format == PixelFormat::Dxt1   ? squish::kDxt1
                           : format == PixelFormat::Dxt3 ? squish::kDxt3
                                                         : squish::kDxt5;
-        squish::DecompressImage(px, static_cast<int>(width), static_cast<int>(height), in, flags);
+        // Block by block: Debian's libsquish runs DecompressImage on OpenMP
+        // threads that spin while they wait, which costs more than the
+        // decoding on a busy machine and puts threads under the caller's.
+        const std::size_t blockBytes = format == PixelFormat::Dxt1 ? 8 : 16;
+        std::uint8_t block[64];
+        const std::uint8_t* source = in;
+        for (std::uint32_t by = 0; by < height; by += 4) {
+            for (std::uint32_t bx = 0; bx < width; bx += 4, source += blockBytes) {
+                squish::Decompress(block, source, flags);
+                const std::uint32_t rows = std::min<std::uint32_t>(4, height - by);
+                const std::uint32_t cols = std::min<std::uint32_t>(4, width - bx);
+                for (std::uint32_t y = 0; y < rows; ++y) {
+                    std::copy(block + y * 16, block + y * 16 + cols * 4,
+                              px + ((std::size_t{by} + y) * width + bx) * 4);
+                }
+            }
+        }
         break;
 #else
         out.image = {};
