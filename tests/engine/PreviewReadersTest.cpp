@@ -206,6 +206,31 @@ TEST(AnimationPreview, ReadsBothLayoutsAndStopsWhereCut) {
     }
 }
 
+// A COL2 model: one sphere, one box and one face over three packed vertices.
+std::string Col2(std::uint32_t facesOffset) {
+    std::string body = Field("two", 22) + U16(7) + std::string(36, '\0') + F32(3);
+    body += U16(1) + U16(1) + U16(1) + "\0\0"s + U32(2);
+    body += U32(104) + U32(124) + U32(0) + U32(152) + U32(facesOffset) + U32(0);
+    body += F32(0) + F32(0) + F32(0) + F32(2.5f) + U32(0) + std::string(28, '\0');
+    body += U16(128) + U16(0) + U16(0) + U16(0) + U16(256) + U16(0) + U16(0) + U16(0) +
+            U16(0x8000) + "\0\0"s;
+    body += U16(0) + U16(1) + U16(2) + "\0\0"s;
+    return "COL2" + U32(static_cast<std::uint32_t>(body.size())) + body;
+}
+
+TEST(CollisionPreview, ReadsACol2ModelAndNotesACountPastItsBody) {
+    const CollisionInfo info = ReadCollisionFile(Col2(172));
+    ASSERT_EQ(info.models.size(), 1u);
+    const CollisionModel& m = info.models[0];
+    EXPECT_EQ(std::tie(m.name, m.version, m.id, m.problem), std::make_tuple("two", "COL2", 7, ""));
+    ASSERT_EQ(m.spheres.size(), 1u);
+    EXPECT_EQ(m.spheres[0].radius, 2.5f);
+    EXPECT_EQ(m.boxes.size(), 1u);
+    EXPECT_EQ(m.vertices, (std::vector<float>{1, 0, 0, 0, 2, 0, 0, 0, -256}));
+    EXPECT_EQ(m.faces.size(), 1u);
+    EXPECT_NE(ReadCollisionFile(Col2(200)).models.at(0).problem, "");
+}
+
 std::string RealFile(const std::string& name) {
     std::ifstream in(std::string(KORVEL_SOURCE_DIR) + "/../shared/testdata/real/" + name,
                      std::ios::binary);
