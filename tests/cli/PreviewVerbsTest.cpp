@@ -94,6 +94,31 @@ TEST(CliPreview, PrintsInfoLinesAndExports) {
               0);
     EXPECT_NE(ReadAll(folder / "o" / "m.mtl").find("map_Kd nitro.png"), std::string::npos);
     EXPECT_TRUE(fs::exists(folder / "o" / "nitro.png"));
+
+    // The texture is looked for in every dictionary, not only the one of the
+    // model's name; one found nowhere is named, and the model still written.
+    struct Lookup {
+        std::vector<std::pair<std::string, std::string>> entries;
+        bool embedded;
+    };
+    const std::string model = ReadAll(Real / "nitro.dff");
+    const Lookup lookups[] = {
+        {{{"pickup.dff", model},
+          {"aaa.txd", ReadAll(Real / "boxes.txd")},
+          {"zzz.txd", ReadAll(Real / "nitro.txd")}},
+         true},
+        {{{"pickup.dff", model}, {"pickup.txd", ReadAll(Real / "boxes.txd")}}, false},
+    };
+    for (const Lookup& l : lookups) {
+        test::WriteArchiveOf(folder / "l.img", l.entries);
+        const auto r = RunCli({"export-model", (folder / "l.img").string(), "pickup.dff",
+                               (folder / "l.glb").string()});
+        EXPECT_EQ(r.exitCode, 0);
+        EXPECT_EQ(ReadAll(folder / "l.glb").find("image/png") != std::string::npos, l.embedded);
+        EXPECT_EQ(r.err, l.embedded ? ""
+                                    : "korvel-cli: texture nitro is in no texture dictionary of "
+                                      "the archive\n");
+    }
 }
 
 } // namespace
