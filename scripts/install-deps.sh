@@ -9,6 +9,7 @@ packages=(
   g++ cmake ninja-build pkg-config
   qt6-base-dev libgl-dev libegl-dev libvulkan-dev qt6-translations-l10n
   libgtest-dev
+  libsquish-dev libpng-dev
   xvfb xauth xdotool x11-apps fonts-dejavu-core
   desktop-file-utils appstream
 )

@@ -34,6 +34,7 @@ session() { # CLI FOLDER
     $cli extract a.img out
     $cli list a.img >list.txt
     $cli check a.img >check.txt || true
+    $cli info a.img cheetah.txd >info.txt 2>&1 || true
     $cli report a.img report.txt --text
     rm -rf in
     # The report carries the local date and time of its making.
@@ -43,7 +44,7 @@ session() { # CLI FOLDER
 (session "$linux_cli" "$work/linux")
 (session "$wine $windows_cli" "$work/windows")
 # Line endings of printed lists differ by platform; the files written do not.
-for f in list.txt check.txt; do
+for f in list.txt check.txt info.txt; do
     sed -i 's/\r$//' "$work/windows/$f"
 done
 if diff -r "$work/linux" "$work/windows"; then

@@ -70,7 +70,8 @@ NamedRows(const EntryTable& table, const std::vector<std::string>& names, bool a
 void AddArchiveVerbs(VerbTable& verbs); // list, new
 // extract, add, replace, rename, lowercase, delete, move-to-end, rebuild
 void AddEntryVerbs(VerbTable& verbs);
-void AddFindVerbs(VerbTable& verbs); // find, find-in, check, report
-void AddToolVerbs(VerbTable& verbs); // quick-replace, marker
+void AddFindVerbs(VerbTable& verbs);    // find, find-in, check, report
+void AddToolVerbs(VerbTable& verbs);    // quick-replace, marker
+void AddPreviewVerbs(VerbTable& verbs); // info, export-textures, export-model
 
 } // namespace korvel::cli

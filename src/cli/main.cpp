@@ -18,6 +18,7 @@ const VerbTable& Verbs() {
         AddEntryVerbs(table);
         AddFindVerbs(table);
         AddToolVerbs(table);
+        AddPreviewVerbs(table);
         return table;
     }();
     return verbs;

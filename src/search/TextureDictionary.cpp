@@ -13,36 +13,54 @@ constexpr std::uint32_t MinStructSize = 72;
 
 } // namespace
 
-std::vector<TextureName> ReadTextureNames(ByteSource& source, std::uint64_t start,
-                                          std::uint64_t length) {
-    std::vector<TextureName> names;
+TextureNativeWalk WalkTextureNatives(ByteSource& source, std::uint64_t start,
+                                     std::uint64_t length) {
+    TextureNativeWalk walk;
+    const auto stop = [&walk](std::uint64_t at, std::string why) {
+        walk.stoppedAt = at;
+        walk.stopped = std::move(why);
+        return walk;
+    };
     char head[TextureHeadBytes];
     if (length < FirstTexture || source.readAt(start, head, FirstTexture) != FirstTexture) {
-        return names;
+        return stop(0, "the entry is too short for a texture dictionary header");
     }
-    const std::uint32_t count = Le16(head + 24);
-    const std::uint32_t wanted = count == 0 ? 1 : count;
+    walk.count = Le16(head + 24);
+    const std::uint32_t wanted = walk.count == 0 ? 1 : walk.count;
 
     std::uint64_t at = FirstTexture;
     for (std::uint32_t i = 0; i < wanted; ++i) {
         // `at` never exceeds `length`, so this cannot wrap.
         if (length - at < TextureHeadBytes ||
             source.readAt(start + at, head, TextureHeadBytes) != TextureHeadBytes) {
-            break;
+            return stop(at, "the entry ends before texture " + std::to_string(i + 1));
         }
         const std::uint32_t nativeSize = Le32(head + 4);
         const std::uint32_t structSize = Le32(head + 16);
         if (Le32(head) != TextureNativeId || Le32(head + 12) != StructId ||
             structSize < MinStructSize || std::uint64_t{structSize} + ChunkHeader > nativeSize) {
-            break;
+            return stop(at, "texture " + std::to_string(i + 1) + " is not a texture native");
         }
-        names.push_back(
-            {std::string(FieldText(head + 32, 32)), std::string(FieldText(head + 64, 32))});
+        walk.natives.push_back(
+            {at,
+             nativeSize,
+             structSize,
+             Le32(head + 20),
+             {std::string(FieldText(head + 32, 32)), std::string(FieldText(head + 64, 32))}});
         const std::uint64_t next = at + ChunkHeader + nativeSize;
         if (next > length) {
-            break;
+            return stop(at, "texture " + std::to_string(i + 1) + " runs past the end of the entry");
         }
         at = next;
+    }
+    return walk;
+}
+
+std::vector<TextureName> ReadTextureNames(ByteSource& source, std::uint64_t start,
+                                          std::uint64_t length) {
+    std::vector<TextureName> names;
+    for (TextureNativePlace& native : WalkTextureNatives(source, start, length).natives) {
+        names.push_back(std::move(native.names));
     }
     return names;
 }

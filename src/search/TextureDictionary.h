@@ -1,5 +1,7 @@
-// Names of the textures in a texture dictionary (.txd). Only the names are
-// read: a few header bytes and the two 32-byte name fields per texture.
+// The textures of a texture dictionary (.txd): where each texture native
+// lies and its names. Only a few header bytes and the two 32-byte name
+// fields per texture are read; the preview reads the rest of a native from
+// the place this walk found it.
 #pragma once
 
 #include "search/ByteSource.h"
@@ -19,7 +21,26 @@ struct TextureName {
 // platform and filter flags, the name and the mask name.
 inline constexpr std::size_t TextureHeadBytes = 96;
 
-// Reads the dictionary that occupies `length` bytes from `start` in `source`.
+// A texture native found by the walk below. `offset` is from the start of the
+// entry; the native's struct chunk starts 12 bytes later.
+struct TextureNativePlace {
+    std::uint64_t offset = 0;
+    std::uint32_t nativeSize = 0; // the native chunk's size (after its header)
+    std::uint32_t structSize = 0; // the struct chunk's size (after its header)
+    std::uint32_t libraryId = 0;  // the struct chunk's RenderWare library id
+    TextureName names;
+};
+
+struct TextureNativeWalk {
+    std::vector<TextureNativePlace> natives;
+    std::uint32_t count = 0; // the dictionary's 16-bit count field
+    // Empty when the walk ended at the count; else why it stopped early, and
+    // the entry offset where it did.
+    std::string stopped;
+    std::uint64_t stoppedAt = 0;
+};
+
+// Walks the dictionary that occupies `length` bytes from `start` in `source`.
 //
 // The first texture sits at byte 28 with its name at 60 and mask at 92. From
 // one texture to the next we step by the texture-native chunk's own size, so a
@@ -31,6 +52,9 @@ inline constexpr std::size_t TextureHeadBytes = 96;
 // native or struct chunk id is not where it should be (padding, damage), or
 // when the struct is too small to hold the names. Nothing outside
 // [start, start + length) is ever read.
+TextureNativeWalk WalkTextureNatives(ByteSource& source, std::uint64_t start, std::uint64_t length);
+
+// The names of WalkTextureNatives's textures.
 std::vector<TextureName> ReadTextureNames(ByteSource& source, std::uint64_t start,
                                           std::uint64_t length);
 
