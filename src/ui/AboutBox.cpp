@@ -45,7 +45,7 @@ AboutBox::AboutBox(const Settings& texts, QWidget* parent) : QDialog(parent) {
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok, this);
     buttons->button(QDialogButtonBox::Ok)
-        ->setText(QString::fromStdString(texts.LookupText("okButton")));
+        ->setText(QStringLiteral("Ok"));
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
 
     auto* layout = new QVBoxLayout(this);

@@ -95,7 +95,6 @@ void AddingDupDialog::relabel() {
     choiceLabel_->setText(text("dup2"));
     conflictCaptionLabel_->setText(text("dup7"));
     dontPrompt_->setText(text("dup8"));
-    doThis_->setText(text("okButton"));
     for (std::size_t i = 0; i < Options.size(); ++i) {
         options_[i]->setText(text(Options[i].textKey));
     }

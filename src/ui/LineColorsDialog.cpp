@@ -80,7 +80,6 @@ void LineColorsDialog::relabel() {
     colorOne_->setText(Q(editor_.text("lc3")));
     colorTwo_->setText(Q(editor_.text("lc3")));
     restore_->setText(Q(editor_.text("lc4")));
-    close_->setText(Q(editor_.text("okButton")));
 }
 
 QColor LineColorsDialog::swatch(int which) const {

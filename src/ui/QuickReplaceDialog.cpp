@@ -54,7 +54,7 @@ QuickReplaceDialog::QuickReplaceDialog(Settings& settings, const std::string& en
     grid->addWidget(skip_, 3, 0, 1, 2);
     grid->addWidget(separately_, 4, 0, 1, 2);
     grid->addWidget(newLocation_, 5, 0, 1, 2);
-    auto* okButton = new QPushButton(text("okButton"), this);
+    auto* okButton = new QPushButton(QStringLiteral("Ok"), this);
     okButton->setObjectName(QStringLiteral("ok"));
     okButton->setDefault(true);
     grid->addWidget(okButton, 6, 1, Qt::AlignRight);

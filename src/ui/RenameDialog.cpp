@@ -67,7 +67,6 @@ void RenameDialog::relabel() {
     setWindowTitle(QStringLiteral(" ") + WithoutMnemonic(text("nn0")));
     label1_->setText(text("sd6"));
     cancel_->setText(text("nn2"));
-    doRename_->setText(text("okButton"));
     updateCounter();
 }
 

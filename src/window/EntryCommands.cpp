@@ -275,7 +275,7 @@ void EntryCommands::ShowDeleteProgress(std::size_t count) {
         desktop.ShowProgress(static_cast<int>(count));
     }
     for (std::size_t deleted = 1; deleted <= count; ++deleted) {
-        desktop.SetStatus(editor_.settings().LookupCountText("deleted", deleted));
+        desktop.SetStatus("Deleted " + std::to_string(deleted));
         if (showProgress) {
             desktop.SetProgress(static_cast<int>(deleted));
         }

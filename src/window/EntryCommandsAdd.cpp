@@ -52,7 +52,7 @@ void RecordDuplicateAnswer(Settings& settings, const DuplicateDialogAnswer& answ
 
 void EntryCommands::ReportAddFailure(const std::string& description, const std::string& name) {
     editor_.desktop().ShowMessage(AddFailureText(editor_.settings(), description, name),
-                                  editor_.text("errorTitle"), MessageIcon::Exclamation);
+                                  "Error", MessageIcon::Exclamation);
 }
 
 DecideDuplicate EntryCommands::DuplicateDecider() {

@@ -65,7 +65,7 @@ bool EntryCommands::DoRenameEntry(const EntryRef& entry, const std::string& type
 bool EntryCommands::DoRename(std::size_t row, const std::string& typed) {
     Desktop& desktop = editor_.desktop();
     if (typed.find_first_not_of(' ') == std::string::npos) {
-        desktop.ShowMessage(editor_.text("noNameTyped"), "", MessageIcon::Information);
+        desktop.ShowMessage("No name entered", "", MessageIcon::Information);
         return false;
     }
     const auto name = Utf8ToCp1252(typed);
@@ -85,7 +85,7 @@ bool EntryCommands::DoRename(std::size_t row, const std::string& typed) {
         ShowError(renamed);
         return true;
     }
-    desktop.SetStatus(editor_.text(IsRude(*name) ? "rudeName" : "sd1"));
+    desktop.SetStatus(IsRude(*name) ? "You kiss your mother with that mouth?" : editor_.text("sd1"));
     return true;
 }
 

@@ -29,7 +29,7 @@ TEST_F(DeleteMove, TheConfirmationDecidesAndDeletingKeepsTheData) {
     EXPECT_EQ(imgBytes(), img0);
     EXPECT_EQ(settings.ReadSetting("archiveState"), "shit");
     EXPECT_EQ(desktop.said("status"),
-              (std::vector<std::string>{"status: 1 entry deleted", "status: 2 entries deleted",
+              (std::vector<std::string>{"status: Deleted 1", "status: Deleted 2",
                                         "status: " + text("del4")}));
     EXPECT_EQ(desktop.stats, "Entries: 3");
 
