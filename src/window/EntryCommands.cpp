@@ -103,8 +103,8 @@ std::size_t EntryCommands::ExtractSelected(ExtractMode firstMode) {
         if (work && (work->step(k), work->cancelled())) {
             // The rows not yet extracted stay selected, so that extracting
             // again goes on from here.
-            desktop.SetStatus(
-                CountedText(editor_.text("extractCancelled"), written, rows.size()));
+            desktop.SetStatus(editor_.settings().LookupFilled(
+                "extractCancelled", {std::to_string(written), std::to_string(rows.size())}));
             return failed;
         }
         desktop.SetStatus(extracting + std::to_string(k + 1) + of);
@@ -351,7 +351,8 @@ void EntryCommands::MoveSelectedToEnd() {
 
 void EntryCommands::RebuildAsking() {
     const std::string question = editor_.text("rebuild1") + "\r\n" + editor_.text("rebuild2");
-    if (editor_.desktop().AskDestructive(question, editor_.settings().LookupPlainText("menuc9") + "?")) {
+    if (editor_.desktop().AskDestructive(question,
+                                         editor_.settings().LookupPlainText("menuc9") + "?")) {
         Rebuild();
     }
 }

@@ -51,8 +51,8 @@ void RecordDuplicateAnswer(Settings& settings, const DuplicateDialogAnswer& answ
 // --- adding --------------------------------------------------------------------
 
 void EntryCommands::ReportAddFailure(const std::string& description, const std::string& name) {
-    editor_.desktop().ShowMessage(AddFailureText(editor_.settings(), description, name),
-                                  "Error", MessageIcon::Exclamation);
+    editor_.desktop().ShowMessage(AddFailureText(editor_.settings(), description, name), "Error",
+                                  MessageIcon::Exclamation);
 }
 
 DecideDuplicate EntryCommands::DuplicateDecider() {
@@ -212,7 +212,8 @@ std::size_t EntryCommands::AddFileBatch(const std::vector<std::string>& paths, b
     if (single && added == 1) {
         desktop.SetStatus(editor_.text("adding5"));
     } else if (cancelled) {
-        desktop.SetStatus(CountedText(editor_.text("addCancelled"), added, paths.size()));
+        desktop.SetStatus(editor_.settings().LookupFilled(
+            "addCancelled", {std::to_string(added), std::to_string(paths.size())}));
     } else {
         std::string counts = editor_.settings().LookupCountText("filesAdded", added);
         if (skipped != 0) {

@@ -10,14 +10,6 @@ int BarValue(std::size_t value) {
     return static_cast<int>(std::min<std::size_t>(value, INT_MAX));
 }
 
-void Fill(std::string& text, const std::string& mark, std::size_t value) {
-    const std::string number = std::to_string(value);
-    for (auto at = text.find(mark); at != std::string::npos;
-         at = text.find(mark, at + number.size())) {
-        text.replace(at, mark.size(), number);
-    }
-}
-
 } // namespace
 
 LongWork::LongWork(Desktop& desktop, std::size_t steps) : desktop_(desktop) {
@@ -37,12 +29,6 @@ bool LongWork::cancelled() {
         cancelled_ = desktop_.ProgressCancelled();
     }
     return cancelled_;
-}
-
-std::string CountedText(std::string text, std::size_t done, std::size_t total) {
-    Fill(text, "%1", done);
-    Fill(text, "%2", total);
-    return text;
 }
 
 } // namespace korvel

@@ -34,8 +34,4 @@ private:
     bool cancelled_ = false;
 };
 
-// `text` with "%1" replaced by `done` and "%2" by `total`: "Cancelled: %1 of
-// %2 files added." becomes "Cancelled: 3 of 10 files added.".
-std::string CountedText(std::string text, std::size_t done, std::size_t total);
-
 } // namespace korvel

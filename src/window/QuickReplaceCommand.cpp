@@ -141,7 +141,8 @@ QuickReplaceCounts QuickReplace::ReplaceSelectedFromFolder(const std::string& fo
     settings.WriteSetting(counts.folder, "lastQR");
     table.clearSelection();
     if (counts.stopped) {
-        desktop.SetStatus(CountedText(editor_.text("qrCancelled"), counts.replaced, rows.size()));
+        desktop.SetStatus(settings.LookupFilled(
+            "qrCancelled", {std::to_string(counts.replaced), std::to_string(rows.size())}));
         return counts;
     }
     desktop.SetStatus(settings.LookupCountText("replaced", counts.replaced) + ", " +

@@ -84,7 +84,7 @@ TEST_F(Cancel, StopsAtASafePointWithWhatWasDoneSoFar) {
             run(command, 4);
             desktop.cancelAtPoll = 0;
             EXPECT_EQ(leftOnDisk(), expected);
-            EXPECT_EQ(desktop.status, CountedText(text(key), doneAt(k), 4));
+            EXPECT_EQ(desktop.status, settings.LookupFilled(key, {std::to_string(doneAt(k)), "4"}));
         }
     }
 }
