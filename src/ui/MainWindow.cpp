@@ -514,6 +514,16 @@ QHBoxLayout* MainWindow::buildFilterBar() {
             filterBox_->clear();
         }
     });
+    // Down goes on to the rows the filter left, with the first one current
+    // when none is, so the keyboard alone can filter and then pick.
+    auto* down = new QShortcut(QKeySequence(Qt::Key_Down), filterBox_);
+    down->setContext(Qt::WidgetShortcut);
+    connect(down, &QShortcut::activated, this, [this] {
+        view_->setFocus(Qt::ShortcutFocusReason);
+        if (!view_->currentIndex().isValid() && view_->model()->rowCount() > 0) {
+            view_->setCurrentIndex(view_->model()->index(0, 0));
+        }
+    });
     return bar;
 }
 
