@@ -47,7 +47,11 @@ focus; xwd -root -silent >"$work/open.xwd"; keys Down Up # the first row is alre
 # Filter step (Ctrl+L): type part of a name, check the rows, clear it.
 keys F10 Right Right Down Down Down Down Down Down Return # Commands > Rename
 await Rename; keys ctrl+a; xdotool type --delay 20 "hero.dff"; keys Return
-focus; keys Down Down F10 Right Right Down Down Down Return # Commands > Delete
+# The filter decides what Delete reaches: only walk.ifp is shown, Select all
+# (F8) selects what is shown, and Delete must not touch the hidden rows.
+focus; keys ctrl+l; xdotool type --delay 20 "WALK"; keys Down F8
+keys F10 Right Right Down Down Down Return # Commands > Delete
+keys ctrl+l Escape Escape # empty the filter, back to the list
 focus; keys ctrl+f; await "Search archive"; keys Escape
 xdotool search --onlyvisible --name "Search archive" >/dev/null 2>&1 && echo open >"$work/find"
 focus; keys F10 Down Down Down Return # File > Close archive
