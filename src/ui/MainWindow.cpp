@@ -185,9 +185,15 @@ MainWindow::MainWindow(Settings& settings, QWidget* parent)
     panel2_->setObjectName(QStringLiteral("SBPanel2"));
     summary_ = new QLabel(bar);
     summary_->setObjectName(QStringLiteral("SBSummary"));
-    panel1_->setMinimumWidth(1);
-    bar->addWidget(panel1_, 1);
-    bar->addPermanentWidget(summary_);
+    // The last command's message and the summary share the width the window
+    // has; neither may widen the window past the screen (long German texts at
+    // scale 2 did), and each shows its whole text as a tooltip when cut.
+    for (QLabel* panel : {panel1_, summary_}) {
+        panel->setMinimumWidth(1);
+        panel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    }
+    bar->addWidget(panel1_, 3);
+    bar->addWidget(summary_, 2);
     bar->addPermanentWidget(panel2_);
     setStatusBar(bar);
     desktop_.attachStatusBar(bar, panel1_, panel2_, progress_);
@@ -261,6 +267,7 @@ void MainWindow::showArchiveState() {
     setWindowTitle(Q(editor_.WindowTitle()));
     const QString summary = Q(editor_.ArchiveSummary());
     summary_->setText(summary);
+    summary_->setToolTip(summary);
     summary_->setVisible(!summary.isEmpty());
 }
 

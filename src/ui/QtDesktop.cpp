@@ -357,6 +357,7 @@ void QtDesktop::paintNow(QWidget* widget, bool force) {
 void QtDesktop::SetStatus(const std::string& text) {
     if (panel1_) {
         panel1_->setText(Q(text));
+        panel1_->setToolTip(panel1_->text()); // the whole message when the panel cuts it
         paintNow(panel1_, true);
     }
 }
