@@ -201,8 +201,10 @@ ArchiveLock ArchiveLock::Take(const std::filesystem::path& dataPath) {
                                        "archiveInUse", {dataPath.string()});
             return lock;
         case LockFile::Result::Failed:
-            lock.why_ = Status::Failed("cannot lock the archive " + dataPath.string() + " (" +
-                                       lockPath.string() + "): " + error);
+            lock.why_ =
+                Status::Failed("cannot lock the archive " + dataPath.string() + " (" +
+                                   lockPath.string() + "): " + error,
+                               "archiveNoLock", {dataPath.string(), lockPath.string(), error});
             return lock;
         }
     }

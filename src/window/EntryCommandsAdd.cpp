@@ -123,7 +123,7 @@ bool EntryCommands::ReportAdded(const AddOutcome& outcome, const std::string& na
     }
     if (outcome.directoryNotWritten) {
         ShowError(outcome.status);
-        ReportAddFailure(std::string(DirectoryNotWrittenText), name);
+        ReportAddFailure(editor_.text("dirNotWritten"), name);
     } else {
         ReportAddFailure(StatusText(editor_.settings(), outcome.status), name);
     }

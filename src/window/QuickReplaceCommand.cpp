@@ -133,8 +133,8 @@ QuickReplaceCounts QuickReplace::ReplaceSelectedFromFolder(const std::string& fo
             desktop.ShowMessage(FileFailureText(settings, StatusText(settings, counts.status)),
                                 settings.LookupText("errorTitle"), MessageIcon::Exclamation);
         }
-        const std::string error = counts.directoryNotWritten ? std::string(DirectoryNotWrittenText)
-                                                             : counts.status.error();
+        const std::string error = counts.directoryNotWritten ? settings.LookupText("dirNotWritten")
+                                                             : StatusText(settings, counts.status);
         desktop.ShowMessage(FileFailureText(settings, error, Cp1252ToUtf8(counts.failedName)),
                             settings.LookupText("errorTitle"), MessageIcon::Exclamation);
     }
