@@ -89,10 +89,19 @@ Status CheckAppendPlacement(std::uint64_t offset, std::uint64_t sectors, std::ui
     return Status::Ok();
 }
 
+Status UnsafeNameStatus(const std::string& rawName) {
+    return Status::Failed(UnsafeNameProblem(rawName), "unsafeFileName", {ShownName(rawName)});
+}
+
 std::string MissingBytesText(const std::string& rawName, std::uint64_t missingBytes) {
     return "The entry \"" + Cp1252ToUtf8(rawName) +
            "\" reaches past the end of the data file: " + std::to_string(missingBytes) +
            " bytes of it are missing";
+}
+
+Status MissingBytesStatus(const std::string& rawName, std::uint64_t missingBytes) {
+    return Status::Failed(MissingBytesText(rawName, missingBytes), "bytesMissing",
+                          {Cp1252ToUtf8(rawName), std::to_string(missingBytes)});
 }
 
 EntryCopy CopyEntryToFile(const Archive& archive, const Entry& entry,

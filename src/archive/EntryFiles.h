@@ -19,6 +19,8 @@ namespace korvel {
 // WindowsFileNameProblem refuses. Empty when the name is safe, else a message
 // that names the entry.
 std::string UnsafeNameProblem(const std::string& rawName);
+// The same as a failure the window says in the person's language.
+Status UnsafeNameStatus(const std::string& rawName);
 
 // What Windows makes of a file name other than the plain file it reads as:
 // ":" (a drive-relative path or an alternate data stream), a reserved device
@@ -53,6 +55,8 @@ Status CheckAppendPlacement(std::uint64_t offset, std::uint64_t sectors, std::ui
 // Says that the entry reaches past the end of the data file and how many of
 // its bytes are missing; callers add what they did about it.
 std::string MissingBytesText(const std::string& rawName, std::uint64_t missingBytes);
+// The same as a failure the window says in the person's language.
+Status MissingBytesStatus(const std::string& rawName, std::uint64_t missingBytes);
 
 struct EntryCopy {
     Status status = Status::Ok();

@@ -179,8 +179,8 @@ struct RebuildResult {
     // completes the renames should they have stopped).
     bool reopen = false;
     // Rows whose records reached past the end of the data file: each was cut
-    // to the sectors that exist, and MissingBytesText says how much went.
-    std::vector<std::string> cut;
+    // to the sectors that exist, and MissingBytesStatus says how much went.
+    std::vector<Status> cut;
     // Stopped on request before anything of the old archive changed.
     bool stopped = false;
 };

@@ -17,8 +17,7 @@ ExtractResult ExtractEntryTo(const Archive& archive, std::size_t row,
     const Entry& entry = archive.table()[row];
     result.target = EntryFileIn(folder, entry.name);
     if (!result.target) {
-        result.status = Status::Failed(UnsafeNameProblem(entry.name), "unsafeFileName",
-                                       {ShownName(entry.name)});
+        result.status = UnsafeNameStatus(entry.name);
         return result;
     }
     // Anything at all standing there counts, a dangling link too: the

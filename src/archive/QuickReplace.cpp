@@ -79,9 +79,9 @@ QuickReplaceCounts ReplaceFromFolder(Archive& archive, const std::vector<std::si
         }
         // A name that is no plain file name in the folder ("../secret.key",
         // an absolute path) would take its data from outside it.
-        if (std::string problem = UnsafeNameProblem(name); !problem.empty()) {
+        if (!EntryFileIn(folder, name)) {
             ++counts.skipped;
-            counts.refused.push_back(std::move(problem));
+            counts.refused.push_back(UnsafeNameStatus(name));
             continue;
         }
         for (;;) {

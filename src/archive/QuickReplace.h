@@ -34,8 +34,8 @@ struct QuickReplaceCounts {
     bool directoryNotWritten = false;
     std::string folder; // the folder used last
     // Rows skipped because their names cannot be file names in the folder:
-    // one message each (UnsafeNameProblem), counted in `skipped`.
-    std::vector<std::string> refused;
+    // one message each (UnsafeNameStatus), counted in `skipped`.
+    std::vector<Status> refused;
     // `stop` ended the run between two rows; those before are replaced.
     bool stopped = false;
 };

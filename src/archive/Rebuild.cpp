@@ -271,7 +271,7 @@ void RemoveNewPair(const RebuildFiles& files) {
 // returns at once; the caller removes the unfinished file.
 Status WriteNewData(const EntryTable& table, File& in, const fs::path& newData,
                     const RebuildProgress& progress, std::vector<DirRecord>& records,
-                    std::vector<std::string>& cut, bool& stopped) {
+                    std::vector<Status>& cut, bool& stopped) {
     File out;
     if (FsError error = out.open(newData, File::Mode::CreateTruncate); !error.empty()) {
         return Status::Failed(error);
@@ -305,7 +305,7 @@ Status WriteNewData(const EntryTable& table, File& in, const fs::path& newData,
         records.push_back({static_cast<std::uint32_t>(running), present[row], entry.name});
         running += present[row];
         if (present[row] < entry.sizeSectors) {
-            cut.push_back(MissingBytesText(
+            cut.push_back(MissingBytesStatus(
                 entry.name, std::uint64_t{entry.sizeSectors - present[row]} * SectorSize));
         }
     }

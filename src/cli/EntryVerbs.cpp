@@ -317,8 +317,8 @@ int RebuildArchive(const Arguments& args) {
     if (!result.status.ok()) {
         run.failure(result.status);
     }
-    for (const std::string& cut : result.cut) {
-        run.error(cut + "; the rebuilt archive keeps the sectors that exist.");
+    for (const Status& cut : result.cut) {
+        run.error(cut.error() + "; the rebuilt archive keeps the sectors that exist.");
     }
     if (result.reopen && !run.session.open(dataPath)) {
         run.failed = true;

@@ -37,8 +37,8 @@ int QuickReplaceVerb(const Arguments& args) {
     const QuickReplaceCounts counts =
         ReplaceFromFolder(session.archive(), *rows, folder, skip, {}, InterruptCheck());
     const Settings& texts = session.settings();
-    for (const std::string& problem : counts.refused) {
-        PrintError(problem);
+    for (const Status& problem : counts.refused) {
+        PrintError(problem.error());
     }
     if (!counts.status.ok()) {
         if (counts.directoryNotWritten) {

@@ -388,8 +388,8 @@ bool EntryCommands::Rebuild() {
     }
     if (!result.cut.empty()) {
         std::string cut;
-        for (const std::string& line : result.cut) {
-            cut += line + ".\r\n";
+        for (const Status& line : result.cut) {
+            cut += StatusText(editor_.settings(), line) + ".\r\n";
         }
         desktop.ShowMessage(cut + editor_.text("rebuildCut"), editor_.text("errorTitle"),
                             MessageIcon::Exclamation);

@@ -2,6 +2,7 @@
 
 #include "archive/EntryFiles.h"
 #include "platform/Folders.h"
+#include "settings/FailureTexts.h"
 #include "window/EntryCommands.h"
 
 #include <string>
@@ -49,7 +50,7 @@ std::vector<fs::path> EntryExport::ExportSelected() {
     if (folder_.empty()) {
         editor_.desktop().ShowMessage(editor_.text("exportNoFolder") + "\r\n" +
                                           TempsFolder().string(),
-                                      "Error", MessageIcon::Exclamation);
+                                      editor_.text("errorTitle"), MessageIcon::Exclamation);
         return {};
     }
     std::vector<fs::path> files;
@@ -57,11 +58,13 @@ std::vector<fs::path> EntryExport::ExportSelected() {
     for (const std::size_t row : rows) {
         const ExtractResult result = ExtractEntryTo(editor_.archive(), row, folder_);
         if (!result.target || result.refused || !result.status.ok()) {
-            problems += "\r\n" + result.status.error();
+            problems += "\r\n" + StatusText(editor_.settings(), result.status);
             continue;
         }
         if (result.missingBytes > 0) {
-            problems += "\r\n" + MissingBytesText(table[row].name, result.missingBytes);
+            problems +=
+                "\r\n" + StatusText(editor_.settings(),
+                                    MissingBytesStatus(table[row].name, result.missingBytes));
         }
         files.push_back(*result.target);
     }

@@ -123,8 +123,8 @@ QuickReplaceCounts QuickReplace::ReplaceSelectedFromFolder(const std::string& fo
     }
     if (!counts.refused.empty()) {
         std::string refused;
-        for (const std::string& problem : counts.refused) {
-            refused += (refused.empty() ? "" : "\r\n") + problem;
+        for (const Status& problem : counts.refused) {
+            refused += (refused.empty() ? "" : "\r\n") + StatusText(settings, problem);
         }
         desktop.ShowMessage(refused, settings.LookupText("errorTitle"), MessageIcon::Exclamation);
     }
