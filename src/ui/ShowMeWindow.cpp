@@ -95,7 +95,9 @@ ShowMeWindow::ShowMeWindow(MainWindow& main) : QWidget(&main, Qt::Window), main_
     ClearOnNewReading(main_, this, [this] {
         shown_.rows.clear();
         list_->clear();
-        setWindowTitle(QStringLiteral(" Show me"));
+        shown_.titleKey = {}; // a relabel must not bring the old count back
+        setWindowTitle(QStringLiteral(" ") +
+                       Q(main_.editor().settings().LookupPlainText("menub9")));
     });
 
     // The list takes all the room the window gives it; the two buttons stay
