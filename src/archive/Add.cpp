@@ -140,7 +140,7 @@ AddOutcome AddBatch::DataFailure(std::string error) {
 AddOutcome AddBatch::Add(const std::string& path, std::string& name) {
     const ArchiveLock lock = LockForWriting(archive_);
     if (!lock.held()) {
-        return Failure(lock.status().error());
+        return Failure(lock.status());
     }
     std::string longName;
     AddOutcome outcome = AddUnderStoredName(path, name, longName);
@@ -198,7 +198,7 @@ AddOutcome AddBatch::AddUnderStoredName(const std::string& path, std::string& na
             index_->renamed(row, oldName);
         } else if (decision.answer == DuplicateAnswer::RenameNew) {
             if (!decision.problem.ok()) {
-                return Failure(decision.problem.error());
+                return Failure(decision.problem);
             }
             if (auto refused = takeName(decision.newName)) {
                 return *refused;

@@ -99,7 +99,8 @@ DecideDuplicate EntryCommands::DuplicateDecider() {
                 decision.newName = *converted;
             } else {
                 decision.problem =
-                    Status::Failed("the new name holds characters an archive cannot store");
+                    Status::Failed("the new name holds characters an archive cannot store",
+                                   "nameNotStorable", {*typed});
             }
         }
         return decision;
@@ -146,7 +147,8 @@ std::size_t EntryCommands::AddFileBatch(const std::vector<std::string>& paths, b
         const std::string fileName = fs::path(path).filename().string();
         const auto converted = Utf8ToCp1252(fileName);
         if (!converted) {
-            ReportAddFailure("its name holds characters an archive cannot store", fileName);
+            ReportAddFailure(editor_.settings().LookupFilled("nameNotStorable", {fileName}),
+                             fileName);
             ++failed;
             return;
         }
