@@ -31,7 +31,7 @@ session() { # CLI FOLDER
     $cli move-to-end a.img renamed.dff
     $cli marker a.img
     $cli rebuild a.img
-    $cli extract a.img out
+    $cli extract a.img out --overwrite
     $cli list a.img >list.txt
     $cli check a.img >check.txt || true
     $cli info a.img cheetah.txd >info.txt 2>&1 || true
