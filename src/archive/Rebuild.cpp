@@ -167,7 +167,6 @@ std::optional<RebuildJournal> ParseRebuildJournal(std::string_view text) {
         text.remove_prefix(at + 1);
         return field;
     };
-    RebuildJournal journal;
     const auto header = take("", '\n');
     const auto data = take("data ", '\n');
     const auto dirLength = take("dir ", ' ');

@@ -1,5 +1,7 @@
 #include "preview/EntryBytes.h"
 
+#include "search/RwChunk.h"
+
 #include <algorithm>
 
 namespace korvel {
@@ -23,11 +25,11 @@ std::string ReadBounded(ByteSource& source, std::uint64_t start, std::uint64_t l
 
 bool ReadRwChunk(std::string_view bytes, std::uint64_t at, std::uint64_t end, RwChunk& chunk) {
     end = std::min<std::uint64_t>(end, bytes.size());
-    if (at > end || end - at < 12) {
+    if (at > end || end - at < RwChunkHeaderSize) {
         return false;
     }
     chunk = {Le32(bytes.data() + at), Le32(bytes.data() + at + 4), Le32(bytes.data() + at + 8), at};
-    return chunk.size <= end - at - 12;
+    return chunk.size <= end - at - RwChunkHeaderSize;
 }
 
 std::uint32_t RwVersion(std::uint32_t libraryId) {

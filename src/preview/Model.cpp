@@ -1,6 +1,7 @@
 #include "preview/Model.h"
 
 #include "preview/EntryBytes.h"
+#include "search/RwChunk.h"
 
 #include <algorithm>
 #include <cstring>
@@ -8,9 +9,6 @@
 namespace korvel {
 namespace {
 
-constexpr std::uint32_t StructId = 0x01;
-constexpr std::uint32_t StringId = 0x02;
-constexpr std::uint32_t ExtensionId = 0x03;
 constexpr std::uint32_t TextureId = 0x06;
 constexpr std::uint32_t MaterialId = 0x07;
 constexpr std::uint32_t MaterialListId = 0x08;
@@ -40,14 +38,14 @@ public:
     explicit ClumpReader(std::string_view bytes, ModelInfo& model) : bytes_(bytes), m_(model) {}
 
     void read() {
-        if (bytes_.size() < 12 || Le32(bytes_.data()) != ClumpId) {
+        if (bytes_.size() < RwChunkHeaderSize || Le32(bytes_.data()) != ClumpId) {
             return stop(0, "the entry does not start with a clump");
         }
         // A clump cut short is read as far as it goes.
         bool clipped = false;
         RwChunk clump{ClumpId, Le32(bytes_.data() + 4), Le32(bytes_.data() + 8), 0};
-        if (clump.size > bytes_.size() - 12) {
-            clump.size = static_cast<std::uint32_t>(bytes_.size() - 12);
+        if (clump.size > bytes_.size() - RwChunkHeaderSize) {
+            clump.size = static_cast<std::uint32_t>(bytes_.size() - RwChunkHeaderSize);
             clipped = true;
         }
         m_.version = RwVersion(clump.libraryId);
@@ -85,28 +83,29 @@ private:
     }
 
     template <typename Visit> void forEachChild(const RwChunk& parent, Visit visit) {
-        const std::uint64_t end = parent.at + 12 + parent.size;
-        for (std::uint64_t at = parent.at + 12; at < end;) {
+        const std::uint64_t end = parent.at + RwChunkHeaderSize + parent.size;
+        for (std::uint64_t at = parent.at + RwChunkHeaderSize; at < end;) {
             RwChunk child;
             if (!ReadRwChunk(bytes_, at, end, child)) {
                 return stop(at, "a chunk runs past the end of the one that holds it");
             }
             visit(child);
-            at += 12 + std::uint64_t{child.size};
+            at += RwChunkHeaderSize + std::uint64_t{child.size};
         }
     }
 
     // The struct chunk that must open `parent`, or false.
     bool structOf(const RwChunk& parent, RwChunk& s) {
-        if (!ReadRwChunk(bytes_, parent.at + 12, parent.at + 12 + parent.size, s) ||
-            s.type != StructId) {
+        if (!ReadRwChunk(bytes_, parent.at + RwChunkHeaderSize,
+                         parent.at + RwChunkHeaderSize + parent.size, s) ||
+            s.type != RwStructId) {
             stop(parent.at, "a chunk lacks its struct");
             return false;
         }
         return true;
     }
 
-    const char* body(const RwChunk& c) const { return bytes_.data() + c.at + 12; }
+    const char* body(const RwChunk& c) const { return bytes_.data() + c.at + RwChunkHeaderSize; }
 
     void readFrames(const RwChunk& list) {
         RwChunk s;
@@ -129,7 +128,7 @@ private:
         }
         std::size_t frame = 0;
         forEachChild(list, [&](const RwChunk& c) {
-            if (c.type != ExtensionId || frame >= m_.frames.size()) {
+            if (c.type != RwExtensionId || frame >= m_.frames.size()) {
                 return;
             }
             forEachChild(c, [&](const RwChunk& e) {
@@ -293,7 +292,7 @@ private:
             }
             int strings = 0;
             forEachChild(c, [&](const RwChunk& t) {
-                if (t.type == StringId && strings < 2) {
+                if (t.type == RwStringId && strings < 2) {
                     (strings++ == 0 ? m.texture : m.mask) = std::string(FieldText(body(t), t.size));
                 }
             });

@@ -1,5 +1,6 @@
 #include "preview/Textures.h"
 
+#include "search/RwChunk.h"
 #include "search/TextureDictionary.h"
 
 #include <algorithm>
@@ -7,7 +8,6 @@
 namespace korvel {
 namespace {
 
-constexpr std::uint64_t ChunkHeader = 12;
 // Platform, filter flags, name and mask (72), raster format, alpha or D3D
 // format, width and height, depth, level count, raster type and the
 // compression or flags byte.
@@ -110,7 +110,7 @@ std::uint32_t Half(std::uint32_t side) {
 void ReadNative(ByteSource& source, std::uint64_t start, std::uint64_t at, std::uint64_t end,
                 TextureInfo& t) {
     char head[HeaderBytes];
-    const std::uint64_t structAt = at + 2 * ChunkHeader;
+    const std::uint64_t structAt = at + 2 * RwChunkHeaderSize;
     if (end - structAt < HeaderBytes ||
         source.readAt(start + structAt, head, HeaderBytes) != HeaderBytes) {
         t.problem = "the texture's header is cut short";
@@ -197,9 +197,9 @@ TextureDictionaryInfo ReadTextureDictionary(ByteSource& source, std::uint64_t st
         t.name = native.names.name;
         t.mask = native.names.mask;
         const std::uint64_t end =
-            std::min<std::uint64_t>(length, native.offset + ChunkHeader + native.nativeSize);
+            std::min<std::uint64_t>(length, native.offset + RwChunkHeaderSize + native.nativeSize);
         const std::uint64_t structEnd = std::min<std::uint64_t>(
-            end, native.offset + 2 * ChunkHeader + std::uint64_t{native.structSize});
+            end, native.offset + 2 * RwChunkHeaderSize + std::uint64_t{native.structSize});
         ReadNative(source, start, native.offset, structEnd, t);
     }
     info.stopped = walk.stopped;

@@ -1,12 +1,11 @@
 #include "search/TextureDictionary.h"
 
+#include "search/RwChunk.h"
+
 namespace korvel {
 namespace {
 
-constexpr std::uint32_t StructId = 0x01;
-constexpr std::uint32_t TextureNativeId = 0x15;
 constexpr std::uint64_t FirstTexture = 28;
-constexpr std::uint64_t ChunkHeader = 12;
 // Platform and filter flags (8), then name and mask (64): the least a
 // texture's struct must hold for the names to be inside it.
 constexpr std::uint32_t MinStructSize = 72;
@@ -37,8 +36,9 @@ TextureNativeWalk WalkTextureNatives(ByteSource& source, std::uint64_t start,
         }
         const std::uint32_t nativeSize = Le32(head + 4);
         const std::uint32_t structSize = Le32(head + 16);
-        if (Le32(head) != TextureNativeId || Le32(head + 12) != StructId ||
-            structSize < MinStructSize || std::uint64_t{structSize} + ChunkHeader > nativeSize) {
+        if (Le32(head) != RwTextureNativeId || Le32(head + 12) != RwStructId ||
+            structSize < MinStructSize ||
+            std::uint64_t{structSize} + RwChunkHeaderSize > nativeSize) {
             return stop(at, "texture " + std::to_string(i + 1) + " is not a texture native");
         }
         walk.natives.push_back(
@@ -47,7 +47,7 @@ TextureNativeWalk WalkTextureNatives(ByteSource& source, std::uint64_t start,
              structSize,
              Le32(head + 20),
              {std::string(FieldText(head + 32, 32)), std::string(FieldText(head + 64, 32))}});
-        const std::uint64_t next = at + ChunkHeader + nativeSize;
+        const std::uint64_t next = at + RwChunkHeaderSize + nativeSize;
         if (next > length) {
             return stop(at, "texture " + std::to_string(i + 1) + " runs past the end of the entry");
         }
