@@ -14,6 +14,21 @@ std::uint32_t ReadLe32(const unsigned char* p) {
            (std::uint32_t{p[3]} << 24);
 }
 
+std::uint16_t ReadLe16(const unsigned char* p) {
+    return static_cast<std::uint16_t>(p[0] | (p[1] << 8));
+}
+
+void AppendLe16(std::string& out, std::uint16_t value) {
+    out.push_back(static_cast<char>(value & 0xFF));
+    out.push_back(static_cast<char>(value >> 8));
+}
+
+void AppendNameField(std::string& out, const std::string& name) {
+    const std::size_t length = std::min(name.size(), NameFieldSize);
+    out.append(name, 0, length);
+    out.append(NameFieldSize - length, '\0');
+}
+
 void AppendLe32(std::string& out, std::uint32_t value) {
     for (int shift = 0; shift < 32; shift += 8) {
         out.push_back(static_cast<char>((value >> shift) & 0xFF));
@@ -100,9 +115,47 @@ std::string EncodeDirectory(const std::vector<DirRecord>& records) {
     for (const DirRecord& record : records) {
         AppendLe32(out, record.startSector);
         AppendLe32(out, record.sizeSectors);
-        const std::size_t length = std::min(record.name.size(), NameFieldSize);
-        out.append(record.name, 0, length);
-        out.append(NameFieldSize - length, '\0');
+        AppendNameField(out, record.name);
+    }
+    return out;
+}
+
+ArchiveKind ArchiveKindOf(std::string_view firstBytes) {
+    return firstBytes.substr(0, OneFileMagic.size()) == OneFileMagic ? ArchiveKind::OneFile
+                                                                     : ArchiveKind::TwoFile;
+}
+
+std::optional<std::uint32_t> OneFileRecordCount(std::string_view header) {
+    if (header.size() < OneFileHeaderSize || ArchiveKindOf(header) != ArchiveKind::OneFile) {
+        return std::nullopt;
+    }
+    return ReadLe32(reinterpret_cast<const unsigned char*>(header.data()) + 4);
+}
+
+std::vector<DirRecord> DecodeOneFileRecords(std::string_view recordBytes) {
+    std::vector<DirRecord> records;
+    records.reserve(recordBytes.size() / RecordSize);
+    for (std::size_t at = 0; at + RecordSize <= recordBytes.size(); at += RecordSize) {
+        const auto* raw = reinterpret_cast<const unsigned char*>(recordBytes.data() + at);
+        DirRecord record;
+        record.startSector = ReadLe32(raw);
+        const std::uint16_t streamed = ReadLe16(raw + 4);
+        record.sizeSectors = streamed != 0 ? streamed : ReadLe16(raw + 6);
+        record.name = NameFromField(reinterpret_cast<const char*>(raw + 8));
+        records.push_back(std::move(record));
+    }
+    return records;
+}
+
+std::string EncodeOneFileRecordArea(const std::vector<DirRecord>& records) {
+    std::string out(OneFileMagic);
+    out.reserve(OneFileRecordAreaBytes(records.size()));
+    AppendLe32(out, static_cast<std::uint32_t>(records.size()));
+    for (const DirRecord& record : records) {
+        AppendLe32(out, record.startSector);
+        AppendLe16(out, static_cast<std::uint16_t>(record.sizeSectors));
+        AppendLe16(out, 0);
+        AppendNameField(out, record.name);
     }
     return out;
 }

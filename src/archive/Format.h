@@ -62,6 +62,50 @@ std::string EncodeDirectory(const std::vector<DirRecord>& records);
 // the 24-byte field.
 std::string NameFromField(const char* field);
 
+// The two kinds of archive. A two-file archive (GTA III, Vice City) keeps its
+// directory in a ".dir" file beside the data file. A one-file archive (San
+// Andreas, "VER2") keeps it at the start of the data file: the four bytes
+// "VER2", the record count (unsigned 32-bit, little-endian), then one 32-byte
+// record per entry: start sector (32 bits), size in sectors as streamed (16
+// bits), size as stored (16 bits, 0 meaning "the same"), 24-byte name. The
+// entries' data starts at the first sector after the records.
+enum class ArchiveKind { TwoFile, OneFile };
+
+inline constexpr std::string_view OneFileMagic = "VER2";
+inline constexpr std::size_t OneFileHeaderSize = 8;
+// A one-file record holds an entry's size in 16 bits: at most this many
+// sectors (128 MiB less one sector).
+inline constexpr std::uint32_t MaxOneFileEntrySectors = 0xFFFF;
+
+// The kind of archive whose data file begins with `firstBytes` (at least the
+// first four bytes, when the file has them).
+ArchiveKind ArchiveKindOf(std::string_view firstBytes);
+
+// Bytes of a one-file archive's header and `recordCount` records.
+constexpr std::uint64_t OneFileRecordAreaBytes(std::uint64_t recordCount) {
+    return OneFileHeaderSize + recordCount * RecordSize;
+}
+
+// The first sector an entry's data may use in a one-file archive of
+// `recordCount` records: the record area rounded up to whole sectors.
+constexpr std::uint64_t OneFileFirstDataSector(std::uint64_t recordCount) {
+    return (OneFileRecordAreaBytes(recordCount) + SectorSize - 1) / SectorSize;
+}
+
+// The record count a one-file header states; nothing when `header` is shorter
+// than the header or does not begin with "VER2".
+std::optional<std::uint32_t> OneFileRecordCount(std::string_view header);
+
+// Decodes the records that follow a one-file header: whole 32-byte records
+// only (the caller checks the count against the bytes there). An entry's
+// size is its streamed size, or its stored size when only that is given.
+std::vector<DirRecord> DecodeOneFileRecords(std::string_view recordBytes);
+
+// Encodes the header and records of a one-file archive. Every size must fit
+// in 16 bits (callers refuse larger entries before anything is written);
+// names longer than a record holds are cut.
+std::string EncodeOneFileRecordArea(const std::vector<DirRecord>& records);
+
 // Path of the directory file that belongs to a data file. The classic rule is
 // "lower-case the path and replace every .img by .dir"; that only works on a
 // case-insensitive file system. On a case-sensitive one we keep the folder as

@@ -79,6 +79,34 @@ TEST(Format, CutNamesAndPartialRecords) {
     EXPECT_EQ(DecodeDirectory(dir).size(), 1u);
 }
 
+// The one-file header: the magic decides the kind, the stored size stands in
+// only for a missing streamed size, and the data starts at the first whole
+// sector after the records.
+TEST(Format, OneFileRecordArea) {
+    const std::vector<DirRecord> records = {{1, 3, "a.dff"}, {4, 0xFFFF, "big.txd"}};
+    std::string area = EncodeOneFileRecordArea(records);
+    ASSERT_EQ(area.size(), 8u + 64u);
+    EXPECT_EQ(area.substr(0, 8), std::string("VER2\x02\0\0\0", 8));
+    EXPECT_EQ(OneFileRecordCount(area), 2u);
+    area[8 + 32 + 4] = area[8 + 32 + 5] = 0; // streamed size 0 ...
+    area[8 + 32 + 6] = 7;                    // ... stored size 7
+    const std::vector<DirRecord> back = DecodeOneFileRecords(std::string_view(area).substr(8));
+    ASSERT_EQ(back.size(), 2u);
+    EXPECT_EQ(back[0].sizeSectors, 3u);
+    EXPECT_EQ(back[0].name, "a.dff");
+    EXPECT_EQ(back[1].sizeSectors, 7u);
+    EXPECT_EQ(DecodeOneFileRecords(std::string_view(area).substr(8, 63)).size(), 1u);
+
+    EXPECT_EQ(ArchiveKindOf("VER2"), ArchiveKind::OneFile);
+    for (std::string_view start : {"VER", "ver2", "", "\0\0\0\0"})
+        EXPECT_EQ(ArchiveKindOf(start), ArchiveKind::TwoFile) << start;
+    EXPECT_FALSE(OneFileRecordCount("VER2\x01"));
+    const std::pair<std::uint64_t, std::uint64_t> firstSectors[] = {
+        {0, 1}, {63, 1}, {64, 2}, {127, 2}, {32767, 512}};
+    for (const auto& [count, sector] : firstSectors)
+        EXPECT_EQ(OneFileFirstDataSector(count), sector) << count << " records";
+}
+
 TEST(Format, DirectoryPathFindsTheFileWhateverItsCase) {
     test::TestFolder folder;
     const auto& at = folder.path();
