@@ -4,7 +4,10 @@
 // a given size and writes what it draws as PNG.
 //
 //   korvel-model-shot MODEL.dff [TEXTURES.txd...] OUT.png [--size WxH]
-//                     [--shading flat|smooth|wire]
+//                     [--shading flat|smooth|wire] [--show]
+//
+// With --show the page stays open to be turned and zoomed by hand; OUT.png
+// is then not written.
 #include "platform/Cp1252.h"
 #include "preview/Textures.h"
 #include "settings/Settings.h"
@@ -35,6 +38,7 @@ int main(int argc, char** argv) {
     std::vector<std::string> files;
     QSize size(900, 560);
     QString shading = QStringLiteral("smooth");
+    bool keepOpen = false;
     for (int i = 1; i < argc; ++i) {
         const QString a = QString::fromLocal8Bit(argv[i]);
         if (a == "--size" && i + 1 < argc) {
@@ -42,13 +46,15 @@ int main(int argc, char** argv) {
             size = QSize(wh.value(0).toInt(), wh.value(1).toInt());
         } else if (a == "--shading" && i + 1 < argc) {
             shading = QString::fromLocal8Bit(argv[++i]);
+        } else if (a == "--show") {
+            keepOpen = true;
         } else {
             files.emplace_back(argv[i]);
         }
     }
     if (files.size() < 2 || size.isEmpty()) {
         std::fprintf(stderr, "usage: korvel-model-shot MODEL.dff [TEXTURES.txd...] OUT.png "
-                             "[--size WxH] [--shading flat|smooth|wire]\n");
+                             "[--size WxH] [--shading flat|smooth|wire] [--show]\n");
         return 2;
     }
     const ModelInfo model = ReadModel(ReadAll(files[0]));
@@ -80,6 +86,9 @@ int main(int argc, char** argv) {
                                                : "modelSmooth";
     page.findChild<QAbstractButton*>(button)->click();
     page.show();
+    if (keepOpen) {
+        return QApplication::exec();
+    }
     app.processEvents();
     if (!page.grab().save(QString::fromLocal8Bit(files.back().c_str()), "PNG")) {
         std::fprintf(stderr, "korvel-model-shot: %s could not be written\n", files.back().c_str());
