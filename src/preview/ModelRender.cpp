@@ -127,13 +127,44 @@ float Light(const Vec3& normal) {
 
 // Texel index along one side: coordinates repeat, as the games' textures
 // wrap by default.
-std::uint32_t Wrap(float coordinate, std::uint32_t size) {
-    const float scaled = coordinate * static_cast<float>(size);
-    if (!(std::fabs(scaled) < 1e9f)) {
-        return 0;
-    }
-    const auto i = static_cast<std::int64_t>(std::floor(scaled)) % static_cast<std::int64_t>(size);
+std::uint32_t Wrap(std::int64_t i, std::uint32_t size) {
+    i %= static_cast<std::int64_t>(size);
     return static_cast<std::uint32_t>(i < 0 ? i + size : i);
+}
+
+// The colour of `image` at (u, t), blended from the four texels around it;
+// false where the texture is see-through there. RenderWare's texture
+// coordinates run down the image, as its rows do.
+bool SampleBilinear(const RgbaImage& image, float u, float t, float rgb[3]) {
+    float x = u * static_cast<float>(image.width) - 0.5f;
+    float y = t * static_cast<float>(image.height) - 0.5f;
+    if (!(std::fabs(x) < 1e9f && std::fabs(y) < 1e9f)) {
+        x = y = 0;
+    }
+    const float left = std::floor(x);
+    const float top = std::floor(y);
+    const float across = x - left;
+    const float down = y - top;
+    const std::uint32_t x0 = Wrap(static_cast<std::int64_t>(left), image.width);
+    const std::uint32_t x1 = Wrap(static_cast<std::int64_t>(left) + 1, image.width);
+    const std::size_t row0 =
+        std::size_t{Wrap(static_cast<std::int64_t>(top), image.height)} * image.width;
+    const std::size_t row1 =
+        std::size_t{Wrap(static_cast<std::int64_t>(top) + 1, image.height)} * image.width;
+    const std::uint8_t* p = image.pixels.data();
+    const std::uint8_t* corners[4] = {p + (row0 + x0) * 4, p + (row0 + x1) * 4, p + (row1 + x0) * 4,
+                                      p + (row1 + x1) * 4};
+    const float weights[4] = {(1 - across) * (1 - down), across * (1 - down), (1 - across) * down,
+                              across * down};
+    float alpha = 0;
+    rgb[0] = rgb[1] = rgb[2] = 0;
+    for (int k = 0; k < 4; ++k) {
+        for (int c = 0; c < 3; ++c) {
+            rgb[c] += weights[k] * corners[k][c];
+        }
+        alpha += weights[k] * corners[k][3];
+    }
+    return alpha >= 128;
 }
 
 // `image` when its pixels are all there, else nullptr (drawn untextured).
@@ -203,16 +234,9 @@ public:
                 const float light = std::clamp((base.lw + s0 * d0.lw + s1 * d1.lw) * z, 0.0f, 1.0f);
                 float r = color_[0] * light, g = color_[1] * light, b = color_[2] * light;
                 if (texture_ != nullptr) {
-                    // RenderWare's texture coordinates run down the image, as
-                    // its rows do.
-                    const std::uint8_t* texel =
-                        texture_->pixels.data() +
-                        (static_cast<std::size_t>(
-                             Wrap((base.tw + s0 * d0.tw + s1 * d1.tw) * z, texture_->height)) *
-                             texture_->width +
-                         Wrap((base.uw + s0 * d0.uw + s1 * d1.uw) * z, texture_->width)) *
-                            4;
-                    if (texel[3] < 128) {
+                    float texel[3];
+                    if (!SampleBilinear(*texture_, (base.uw + s0 * d0.uw + s1 * d1.uw) * z,
+                                        (base.tw + s0 * d0.tw + s1 * d1.tw) * z, texel)) {
                         continue; // see-through: what lies behind shows
                     }
                     r *= texel[0];
