@@ -1,5 +1,6 @@
 #include "ui/ModelView.h"
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QWheelEvent>
@@ -17,7 +18,7 @@ constexpr QRgb WireColor = 0xFFD6DCE4u;
 ModelView::ModelView(QWidget* parent) : QWidget(parent) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMinimumSize(120, 90);
-    setFocusPolicy(Qt::ClickFocus);
+    setFocusPolicy(Qt::StrongFocus);
 }
 
 void ModelView::setMesh(PreparedMesh mesh, const TextureImages& textures) {
@@ -126,6 +127,39 @@ void ModelView::wheelEvent(QWheelEvent* event) {
         update();
     }
     event->accept();
+}
+
+void ModelView::keyPressEvent(QKeyEvent* event) {
+    // One press turns as far as a short drag does.
+    constexpr float Step = 15;
+    switch (event->key()) {
+    case Qt::Key_Left:
+        camera_.orbit(-Step, 0);
+        break;
+    case Qt::Key_Right:
+        camera_.orbit(Step, 0);
+        break;
+    case Qt::Key_Up:
+        camera_.orbit(0, -Step);
+        break;
+    case Qt::Key_Down:
+        camera_.orbit(0, Step);
+        break;
+    case Qt::Key_Plus:
+    case Qt::Key_Equal:
+        camera_.zoom(1);
+        break;
+    case Qt::Key_Minus:
+        camera_.zoom(-1);
+        break;
+    case Qt::Key_Home:
+        fit();
+        return;
+    default:
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    update();
 }
 
 } // namespace korvel::ui

@@ -1,6 +1,7 @@
 // The model page's 3D view: the software renderer's picture of a prepared
 // model, turned by dragging with the left button, moved with the right or
-// middle button, zoomed with the wheel and framed anew by a double-click.
+// middle button, zoomed with the wheel and framed anew by a double-click;
+// from the keyboard the arrows turn it, + and - zoom and Home frames it.
 // Works wherever Qt paints, with or without a graphics card.
 #pragma once
 
@@ -34,6 +35,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     PreparedMesh mesh_;
