@@ -59,7 +59,7 @@ std::vector<Matrix> WorldMatrices(const ModelInfo& model) {
 
 // Bounds what a crafted clump can make us hold: many atomics may place the
 // same large geometry again and again.
-constexpr std::size_t MaxMeshVertices = std::size_t{1} << 22;
+constexpr std::size_t MaxMeshVertices = std::size_t{1} << 20;
 
 void AddGeometry(const ModelGeometry& g, const Matrix& world, PreparedMesh& mesh) {
     const std::size_t count = g.positions.size() / 3;

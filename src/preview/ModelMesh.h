@@ -40,7 +40,9 @@ struct PreparedMesh {
 
 // The model's geometries placed by their atomics (each geometry once per
 // atomic that hangs it on a frame). A model with geometries but no atomics
-// shows each geometry where it stands.
+// shows each geometry where it stands. Geometries past a million vertices in
+// all (far beyond any game model) are left out, so a crafted clump placing
+// one large geometry many times cannot make it hold gigabytes.
 PreparedMesh PrepareModelMesh(const ModelInfo& model);
 
 } // namespace korvel

@@ -28,6 +28,13 @@ QString Shown(const std::string& name) {
     return Q(ShownName(name));
 }
 
+// A crafted clump may hold a million frames, each the child of the one
+// before: the tree shows the first MaxFramesShown and nests no deeper than
+// MaxTreeDepth (deeper frames stand at the top level), so neither the list's
+// size nor Qt's recursive deletion of nested items can run away.
+constexpr std::size_t MaxFramesShown = 4096;
+constexpr int MaxTreeDepth = 64;
+
 QTreeWidget* NamedTree(const char* name) {
     auto* tree = new QTreeWidget;
     tree->setObjectName(QString::fromLatin1(name));
@@ -108,15 +115,20 @@ void ModelPage::ShowModel(const ModelInfo& model, const TextureImages& textures,
     // Parents come before their children (the reader keeps only such), so
     // each frame's parent item exists when the frame is added.
     std::vector<QTreeWidgetItem*> items;
-    for (std::size_t i = 0; i < model.frames.size(); ++i) {
+    std::vector<int> depths;
+    const std::size_t shown = std::min(model.frames.size(), MaxFramesShown);
+    for (std::size_t i = 0; i < shown; ++i) {
         const ModelFrame& f = model.frames[i];
         const QString label = f.name.empty() ? QStringLiteral("#%1").arg(i) : Shown(f.name);
-        const bool nested = f.parent >= 0 && static_cast<std::size_t>(f.parent) < i;
-        auto* item = nested ? new QTreeWidgetItem(items[static_cast<std::size_t>(f.parent)])
-                            : new QTreeWidgetItem(frames_);
+        const auto parent = static_cast<std::size_t>(f.parent);
+        const bool nested = f.parent >= 0 && parent < i && depths[parent] < MaxTreeDepth;
+        auto* item = nested ? new QTreeWidgetItem(items[parent]) : new QTreeWidgetItem(frames_);
         item->setText(0, label);
         items.push_back(item);
+        depths.push_back(nested ? depths[parent] + 1 : 0);
     }
+    framesNotShown_ = model.frames.size() - shown;
+    moreFrames_ = framesNotShown_ > 0 ? new QTreeWidgetItem(frames_) : nullptr;
     frames_->expandAll();
 
     geometries_ = model.geometries.size();
@@ -150,6 +162,7 @@ void ModelPage::Clear() {
     shown_ = false;
     drawable_ = false;
     frames_->clear();
+    moreFrames_ = nullptr;
     textures_->clear();
     textureNames_.clear();
     textureMissing_.clear();
@@ -192,6 +205,10 @@ void ModelPage::fillTexts() {
     counts_->setText(count("mdlGeometries", geometries_) + '\n' + count("mdlVertices", vertices_) +
                      '\n' + count("mdlTriangles", triangles_) + '\n' +
                      count("mdlMaterials", materials_));
+    if (moreFrames_ != nullptr) {
+        moreFrames_->setText(0,
+                             Q(s.LookupFilled("mdlMoreFrames", {std::to_string(framesNotShown_)})));
+    }
     textures_->clear();
     for (std::size_t i = 0; i < textureNames_.size(); ++i) {
         auto* item = new QTreeWidgetItem(textures_);

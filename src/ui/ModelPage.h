@@ -24,6 +24,7 @@ class QButtonGroup;
 class QLabel;
 class QSplitter;
 class QTreeWidget;
+class QTreeWidgetItem;
 
 namespace korvel::ui {
 
@@ -61,9 +62,11 @@ private:
     QLabel* counts_;
     QTreeWidget* textures_;
     QLabel* stopped_;
+    QTreeWidgetItem* moreFrames_ = nullptr; // the tree's last row when frames are left out
 
     // What the texts are made of, kept for Relabel.
     bool shown_ = false;
+    std::size_t framesNotShown_ = 0;
     std::uint64_t geometries_ = 0, vertices_ = 0, triangles_ = 0, materials_ = 0;
     bool drawable_ = false;
     std::vector<std::string> textureNames_;

@@ -58,6 +58,16 @@ void ModelPageTest::showsWhatTheModelHolds() {
     page.findChild<QAbstractButton*>("modelFlat")->click();
     QCOMPARE(view->shading(), korvel::ModelShading::Flat);
 
+    // A chain of frames each the child of the one before is listed only so
+    // deep and so long.
+    model.frames.clear();
+    for (int i = 0; i < 5000; ++i)
+        model.frames.push_back({"f", i - 1});
+    page.ShowModel(model, {}, {});
+    QCOMPARE(frames->topLevelItemCount(), 4096 / 65 + 2); // chains of 65, the rest, "more"
+    QCOMPARE(frames->topLevelItem(frames->topLevelItemCount() - 1)->text(0),
+             QStringLiteral("… und 904 weitere Knoten, nicht aufgeführt"));
+
     page.Clear();
     QCOMPARE(frames->topLevelItemCount() + textures->topLevelItemCount(), 0);
     QVERIFY(page.findChild<QLabel*>("modelCounts")->text().isEmpty() && stopped->isHidden());
