@@ -5,6 +5,7 @@
 // With --png OUT, the first smooth frame is also written as a picture.
 //
 //   bench_model_view [MODEL.dff [TEXTURES.txd]] [--png OUT.png]
+//   bench_model_view --ball SEGMENTS [--png OUT.png]   a generated textured ball
 #include "platform/Cp1252.h"
 #include "preview/ModelExport.h"
 #include "preview/ModelRender.h"
@@ -13,7 +14,9 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 #include <fstream>
 #include <iterator>
@@ -38,6 +41,47 @@ TextureImages DecodeDictionary(const std::string& bytes) {
         }
     }
     return images;
+}
+
+// A ball of `segments` x segments / 2 quads (segments^2 triangles), textured
+// with a 256x256 checker named "ball": what a detailed game model costs.
+ModelInfo Ball(int segments, TextureImages& images) {
+    ModelInfo model;
+    model.frames.resize(1);
+    model.atomics.push_back({0, 0});
+    ModelGeometry& g = model.geometries.emplace_back();
+    const int rings = segments / 2;
+    for (int r = 0; r <= rings; ++r) {
+        const float polar = 3.14159265f * static_cast<float>(r) / static_cast<float>(rings);
+        for (int k = 0; k <= segments; ++k) {
+            const float around = 6.2831853f * static_cast<float>(k) / static_cast<float>(segments);
+            g.positions.insert(g.positions.end(),
+                               {std::sin(polar) * std::cos(around),
+                                std::sin(polar) * std::sin(around), std::cos(polar)});
+            g.uvs.insert(g.uvs.end(), {static_cast<float>(k) / static_cast<float>(segments) * 4,
+                                       static_cast<float>(r) / static_cast<float>(rings) * 2});
+        }
+    }
+    const auto at = [segments](int r, int k) {
+        return static_cast<std::uint16_t>(r * (segments + 1) + k);
+    };
+    for (int r = 0; r < rings; ++r) {
+        for (int k = 0; k < segments; ++k) {
+            g.triangles.push_back({at(r, k), at(r + 1, k), at(r + 1, k + 1), 0});
+            g.triangles.push_back({at(r, k), at(r + 1, k + 1), at(r, k + 1), 0});
+        }
+    }
+    g.vertexCount = static_cast<std::uint32_t>(g.positions.size() / 3);
+    g.triangleCount = static_cast<std::uint32_t>(g.triangles.size());
+    g.materials.push_back({{255, 255, 255, 255}, "ball", ""});
+    RgbaImage checker{256, 256, std::vector<std::uint8_t>(256 * 256 * 4, 255)};
+    for (std::size_t i = 0; i < 256 * 256; ++i) {
+        if (((i % 256) / 32 + i / 256 / 32) % 2 != 0) {
+            checker.pixels[4 * i] = checker.pixels[4 * i + 1] = 60;
+        }
+    }
+    images["ball"] = std::move(checker);
+    return model;
 }
 
 struct FrameTimes {
@@ -69,9 +113,13 @@ template <typename Draw> FrameTimes MedianFrameMs(ModelCamera camera, int frames
 int main(int argc, char** argv) {
     std::vector<std::string> files;
     std::string png;
+    int ball = 0;
     for (int i = 1; i < argc; ++i) {
         if (std::string(argv[i]) == "--png" && i + 1 < argc) {
             png = argv[++i];
+        } else if (std::string(argv[i]) == "--ball" && i + 1 < argc) {
+            ball = std::clamp(std::atoi(argv[++i]), 8, 180); // 16-bit vertex indices
+            files = {"ball of " + std::to_string(ball * ball) + " triangles"};
         } else {
             files.emplace_back(argv[i]);
         }
@@ -79,16 +127,17 @@ int main(int argc, char** argv) {
     if (files.empty()) {
         files.push_back(std::string(KORVEL_REAL_TESTDATA) + "/monkey.dff");
     }
-    const std::string bytes = ReadAll(files[0]);
-    const ModelInfo model = ReadModel(bytes);
+    TextureImages images;
+    const ModelInfo model = ball > 0 ? Ball(ball, images) : ReadModel(ReadAll(files[0]));
     const PreparedMesh mesh = PrepareModelMesh(model);
     if (mesh.empty()) {
         std::printf("bench_model_view: %s holds nothing to draw (%s)\n", files[0].c_str(),
                     model.stopped.c_str());
         return 1;
     }
-    const TextureImages images =
-        files.size() > 1 ? DecodeDictionary(ReadAll(files[1])) : TextureImages{};
+    if (files.size() > 1) {
+        images = DecodeDictionary(ReadAll(files[1]));
+    }
     std::vector<const RgbaImage*> textures;
     for (const MeshMaterial& m : mesh.materials) {
         const auto found = images.find(m.texture);

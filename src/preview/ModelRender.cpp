@@ -222,7 +222,10 @@ public:
                 const float px = static_cast<float>(x) + 0.5f;
                 const float s0 = a0 * px + b0 * py + c0;
                 const float s1 = a1 * px + b1 * py + c1;
-                if (s0 < 0 || s1 < 0 || s0 + s1 > 1) {
+                // A hair of slack: a pixel centre on an edge two triangles
+                // share must not slip between them by rounding.
+                constexpr float Slack = 1e-5f;
+                if (s0 < -Slack || s1 < -Slack || s0 + s1 > 1 + Slack) {
                     continue;
                 }
                 const std::size_t at = rowStart + static_cast<std::size_t>(x);
