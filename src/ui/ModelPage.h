@@ -10,6 +10,8 @@
 
 #include <QWidget>
 
+#include <cstdint>
+
 #include <string>
 #include <vector>
 
@@ -17,7 +19,16 @@ namespace korvel {
 class Editor;
 }
 
+class QAbstractButton;
+class QButtonGroup;
+class QLabel;
+class QSplitter;
+class QTreeWidget;
+class QTreeWidgetItem;
+
 namespace korvel::ui {
+
+class ModelView;
 
 class ModelPage : public QWidget {
     Q_OBJECT
@@ -34,8 +45,34 @@ public:
     // The page's captions anew in the person's language.
     void Relabel();
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
+    // The counts, the texture list's marks and the stop line in the current
+    // language, from what ShowModel kept.
+    void fillTexts();
+
     Editor& editor_;
+    ModelView* view_;
+    QButtonGroup* shadings_;
+    QAbstractButton* fit_;
+    QSplitter* split_;
+    QTreeWidget* frames_;
+    QLabel* counts_;
+    QTreeWidget* textures_;
+    QLabel* stopped_;
+    QTreeWidgetItem* moreFrames_ = nullptr; // the tree's last row when frames are left out
+
+    // What the texts are made of, kept for Relabel.
+    bool shown_ = false;
+    std::size_t framesNotShown_ = 0;
+    std::uint64_t geometries_ = 0, vertices_ = 0, triangles_ = 0, materials_ = 0;
+    bool drawable_ = false;
+    std::vector<std::string> textureNames_;
+    std::vector<bool> textureMissing_;
+    std::string stopReason_;
+    std::uint64_t stopOffset_ = 0;
 };
 
 } // namespace korvel::ui
