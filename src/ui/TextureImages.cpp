@@ -26,17 +26,27 @@ QImage ToQImage(const RgbaImage& image) {
     return out;
 }
 
-void PaintCheckerboard(QPainter& painter, const QRect& area) {
-    constexpr int Square = 8;
-    static const QPixmap tile = [] {
-        QPixmap p(2 * Square, 2 * Square);
-        p.fill(QColor(204, 204, 204));
-        QPainter t(&p);
+namespace {
+
+// The checkerboard as a brush of an image: usable on the worker thread too,
+// where pixmaps cannot be made.
+const QBrush& CheckerBrush() {
+    static const QBrush brush = [] {
+        constexpr int Square = 8;
+        QImage tile(2 * Square, 2 * Square, QImage::Format_RGB32);
+        tile.fill(QColor(204, 204, 204));
+        QPainter t(&tile);
         t.fillRect(0, 0, Square, Square, QColor(153, 153, 153));
         t.fillRect(Square, Square, Square, Square, QColor(153, 153, 153));
-        return p;
+        return QBrush(tile);
     }();
-    painter.drawTiledPixmap(area, tile, area.topLeft());
+    return brush;
+}
+
+} // namespace
+
+void PaintCheckerboard(QPainter& painter, const QRect& area) {
+    painter.fillRect(area, CheckerBrush());
 }
 
 QImage ThumbnailOf(const QImage& image, int side) {
@@ -52,16 +62,8 @@ QImage ThumbnailOf(const QImage& image, int side) {
     const QRect at((side - scaled.width()) / 2, (side - scaled.height()) / 2, scaled.width(),
                    scaled.height());
     QPainter painter(&out);
-    // QPixmap cannot be drawn off the UI thread: the checkerboard goes in
-    // square by square here.
-    constexpr int Square = 8;
-    for (int y = at.top(); y <= at.bottom(); y += Square) {
-        for (int x = at.left(); x <= at.right(); x += Square) {
-            const bool dark = (((x - at.left()) / Square) + ((y - at.top()) / Square)) % 2 == 0;
-            painter.fillRect(QRect(x, y, Square, Square).intersected(at),
-                             dark ? QColor(153, 153, 153) : QColor(204, 204, 204));
-        }
-    }
+    painter.setBrushOrigin(at.topLeft());
+    painter.fillRect(at, CheckerBrush());
     painter.drawImage(at, scaled);
     return out;
 }
