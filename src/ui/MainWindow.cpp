@@ -685,20 +685,38 @@ void MainWindow::showPreviewDock(bool shown) {
     if (!shown) {
         previewDock_->hide();
         preview_->clear();
+        // The room the pane was given goes again with it.
+        if (grownForPreview_ > 0 && !isMaximized() && !isFullScreen()) {
+            resize(std::max(width() - grownForPreview_, minimumSizeHint().width()), height());
+        }
+        grownForPreview_ = 0;
         return;
     }
+    previewDock_->show();
+    previewTimer_->start();
+    // At start-up the window takes its size when it is first shown.
+    QTimer::singleShot(0, this, [this] { widenForPreview(); });
+}
+
+void MainWindow::widenForPreview() {
     // The designed window is narrow: it grows by the pane's width, as far as
     // the screen has room, instead of squeezing the list.
     constexpr int PaneWidth = 340;
-    if (isVisible() && !isMaximized() && !isFullScreen() && !previewDock_->isFloating() &&
-        width() < 2 * PaneWidth) {
-        const QScreen* where = screen() != nullptr ? screen() : QGuiApplication::primaryScreen();
-        const int room = where->availableGeometry().width() - FrameAllowance.width();
-        resize(std::min(room, width() + PaneWidth), height());
+    if (previewDock_->isHidden() || isMaximized() || isFullScreen() || previewDock_->isFloating() ||
+        centralWidget()->width() >= 2 * PaneWidth) {
+        return;
     }
-    previewDock_->show();
-    resizeDocks({previewDock_}, {PaneWidth}, Qt::Horizontal);
-    previewTimer_->start();
+    const QScreen* where = screen() != nullptr ? screen() : QGuiApplication::primaryScreen();
+    const QRect room = where->availableGeometry();
+    const int before = width();
+    resize(std::min(room.width() - FrameAllowance.width(), before + PaneWidth), height());
+    grownForPreview_ = width() - before;
+    resizeDocks({previewDock_}, {std::max(grownForPreview_, PaneWidth / 2)}, Qt::Horizontal);
+    if (!room.contains(frameGeometry())) {
+        move(std::clamp(x(), room.left(),
+                        std::max(room.left(), room.right() - frameGeometry().width())),
+             y());
+    }
 }
 
 void MainWindow::SetGridLines(bool shown) {

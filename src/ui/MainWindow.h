@@ -131,6 +131,7 @@ private:
     // The preview pane in its dock, following the list's current entry.
     void buildPreviewPane();
     void showPreviewDock(bool shown);
+    void widenForPreview();
     // The window's place and the list's column widths across runs.
     void placeWindow();
     void rememberWindowPlace();
@@ -165,6 +166,7 @@ private:
     PreviewDock* previewDock_ = nullptr;
     PreviewPane* preview_ = nullptr;
     QTimer* previewTimer_ = nullptr;
+    int grownForPreview_ = 0; // pixels the window grew when the pane showed
 };
 
 } // namespace korvel::ui
