@@ -52,8 +52,8 @@ void PreviewExports::ExportAllTexturesAsking(const Entry& entry) {
 
 void PreviewExports::ExportTexturesInto(const Entry& entry,
                                         const std::optional<std::string>& only) {
-    const auto folder =
-        editor_.desktop().ChooseFolderDialog(editor_.text(only ? "prvExportOne" : "prvExportAll"));
+    const std::string title = editor_.text(only ? "prvExportOne" : "prvExportAll");
+    const auto folder = editor_.desktop().ChooseFolderDialog(title);
     if (!folder) {
         return;
     }
@@ -71,8 +71,8 @@ void PreviewExports::ExportTexturesInto(const Entry& entry,
             existing += "\r\n" + target->string();
         }
     }
-    if (!existing.empty() && !editor_.desktop().AskYesNo(editor_.text("prvOverwrite") + existing,
-                                                         editor_.text("prvExportAll"))) {
+    if (!existing.empty() &&
+        !editor_.desktop().AskYesNo(editor_.text("prvOverwrite") + existing, title)) {
         return;
     }
     const TextureExport result = ExportTextures(editor_.archive(), entry, *folder, only);
