@@ -470,6 +470,9 @@ void PreviewPane::showResult(const std::shared_ptr<Result>& result) {
     shownName_ = result->entry.name;
     textureShown_ = -1;
     const EntryPreview& p = result->preview;
+    if (p.kind != PreviewKind::Model) {
+        model_->Clear(); // its meshes and textures are not kept behind another page
+    }
     switch (p.kind) {
     case PreviewKind::Textures:
         showTextures(p.textures);
