@@ -55,10 +55,13 @@ QImage ThumbnailOf(const QImage& image, int side) {
     if (image.isNull()) {
         return out;
     }
+    // Qt scales and draws premultiplied pixels on its fast paths; the
+    // decoder's straight RGBA is turned once, before scaling.
+    const QImage premultiplied = image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
     const QImage scaled =
         image.width() > side || image.height() > side
-            ? image.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation)
-            : image;
+            ? premultiplied.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation)
+            : premultiplied;
     const QRect at((side - scaled.width()) / 2, (side - scaled.height()) / 2, scaled.width(),
                    scaled.height());
     QPainter painter(&out);
