@@ -69,7 +69,8 @@ QString HexLines(const std::string& bytes) {
             }
         }
         out += QStringLiteral("%1  %2 %3\n")
-                   .arg(static_cast<qulonglong>(at), 8, 16, QLatin1Char('0'))
+                   .arg(QString::number(static_cast<qulonglong>(at), 16).toUpper(), 8,
+                        QLatin1Char('0'))
                    .arg(hex, chars);
     }
     return out;
