@@ -72,6 +72,11 @@ void PreviewPaneTest::f9AndTheCloseButtonShowAndHideThePaneAndKorvelIniRemembers
     dock->close();
     QVERIFY(dock->isHidden() && !env->action("OptPreview")->isChecked());
     QCOMPARE(env->settings.ReadSetting("previewPane"), std::string("False"));
+    // The next run starts as the last one left the pane.
+    env->settings.WriteSetting("True", "previewPane");
+    korvel::ui::MainWindow next(env->settings);
+    next.startup({});
+    QVERIFY(!next.previewDock()->isHidden());
 }
 
 void PreviewPaneTest::eachKindShowsItsPageWithWhatWasRead() {
