@@ -3,6 +3,9 @@
 // same name; and which row the pane shows for a selection.
 #include "window/PreviewCommands.h"
 
+#include "platform/Folders.h"
+#include "window/EntryExport.h"
+
 #include "EditorHarness.h"
 #include "EntryBytes.h"
 
@@ -54,6 +57,19 @@ TEST_F(PreviewExportsTest, WritesTheTextureOnlyWhereThePersonAgreedToWriteOver) 
         EXPECT_EQ(bytes.substr(0, 4) == "\x89PNG", c.png) << c.what;
         EXPECT_EQ(bytes == "mine", c.existing && !c.png) << c.what;
     }
+}
+
+TEST_F(PreviewExportsTest, ADraggedTextureIsAPngInItsOwnHandOverFolder) {
+    WriteArchiveOf(folder / "t.img", {{"t.txd", OneTextureDictionary("wall")}});
+    ASSERT_TRUE(editor.OpenArchive((folder / "t.img").string()));
+    EntryExport handOver(editor);
+    const auto files = handOver.ExportTexture(editor.table()[0], "wall");
+    ASSERT_EQ(files.size(), 1u);
+    EXPECT_EQ(files[0].filename(), "wall.png");
+    EXPECT_EQ(files[0].parent_path().parent_path(), TempsFolder());
+    EXPECT_EQ(ReadBytes(files[0]).substr(0, 4), "\x89PNG");
+    handOver.RemoveExported();
+    EXPECT_FALSE(std::filesystem::exists(files[0].parent_path()));
 }
 
 TEST(PreviewedRow, IsTheOneSelectedRowOrTheCurrentOneOfSeveral) {
