@@ -29,6 +29,7 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include <cmath>
 #include <system_error>
 
 namespace korvel::ui {
@@ -427,7 +428,9 @@ void PreviewPane::startRead(const Entry& entry) {
         *rows = editor_.table().rows();
     }
     const auto current = generation_;
-    pool_.start([this, result, rows, dataPath, current, generation] {
+    // Thumbnails in the screen's own pixels: sharp at scale 2 too.
+    const int side = static_cast<int>(std::lround(ThumbnailSide * devicePixelRatioF()));
+    pool_.start([this, result, rows, dataPath, current, generation, side] {
         const auto stale = [&] { return current->load() != generation; };
         result->preview = ReadEntryPreview(dataPath, result->entry);
         if (stale()) {
@@ -448,7 +451,7 @@ void PreviewPane::startRead(const Entry& entry) {
         std::vector<QImage> batch;
         int first = 0;
         for (std::size_t i = 0; i < textures.size() && !stale(); ++i) {
-            batch.push_back(TextureThumbnail(dataPath, result->entry, textures[i], ThumbnailSide));
+            batch.push_back(TextureThumbnail(dataPath, result->entry, textures[i], side));
             if (batch.size() == ThumbnailBatch || i + 1 == textures.size()) {
                 QMetaObject::invokeMethod(
                     this,
@@ -563,8 +566,13 @@ void PreviewPane::showThumbnails(std::uint64_t generation, int first,
         if (item == nullptr) {
             continue;
         }
-        item->setIcon(images[k].isNull() ? style()->standardIcon(QStyle::SP_MessageBoxWarning)
-                                         : QIcon(QPixmap::fromImage(images[k])));
+        if (images[k].isNull()) {
+            item->setIcon(style()->standardIcon(QStyle::SP_MessageBoxWarning));
+            continue;
+        }
+        QPixmap thumbnail = QPixmap::fromImage(images[k]);
+        thumbnail.setDevicePixelRatio(static_cast<qreal>(images[k].width()) / ThumbnailSide);
+        item->setIcon(QIcon(thumbnail));
     }
 }
 

@@ -58,10 +58,12 @@ QImage ThumbnailOf(const QImage& image, int side) {
     // Qt scales and draws premultiplied pixels on its fast paths; the
     // decoder's straight RGBA is turned once, before scaling.
     const QImage premultiplied = image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    // Shrunk smoothly; a small texture is enlarged with its pixels kept
+    // square, as a modder expects to see them.
+    const bool shrinking = image.width() > side || image.height() > side;
     const QImage scaled =
-        image.width() > side || image.height() > side
-            ? premultiplied.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation)
-            : premultiplied;
+        premultiplied.scaled(side, side, Qt::KeepAspectRatio,
+                             shrinking ? Qt::SmoothTransformation : Qt::FastTransformation);
     const QRect at((side - scaled.width()) / 2, (side - scaled.height()) / 2, scaled.width(),
                    scaled.height());
     QPainter painter(&out);
