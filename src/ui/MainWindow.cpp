@@ -665,8 +665,12 @@ void MainWindow::buildPreviewPane() {
     previewTimer_->setSingleShot(true);
     previewTimer_->setInterval(0);
     connect(previewTimer_, &QTimer::timeout, this, [this] {
-        // A hidden pane reads nothing.
-        if (editor_.menu().isChecked("OptPreview")) {
+        // A hidden pane reads nothing; while long work changes the archive
+        // it reads once the work is done, not after every file.
+        if (desktop_.workRunning()) {
+            previewTimer_->start(250);
+        } else if (editor_.menu().isChecked("OptPreview")) {
+            previewTimer_->setInterval(0);
             preview_->refresh();
         }
     });

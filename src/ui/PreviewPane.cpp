@@ -470,6 +470,20 @@ void PreviewPane::showResult(const std::shared_ptr<Result>& result) {
     if (result->generation != generation_->load() || currentKey() != result->key) {
         return;
     }
+    // The same entry read again (the data file changed): a texture open at
+    // full size stays open, at its mip level, when it is still there.
+    int reopen = -1;
+    int reopenLevel = 0;
+    if (shown_ && textureShown_ >= 0 && shown_->entry.name == result->entry.name &&
+        shown_->entry.startSector == result->entry.startSector) {
+        const auto& now = result->preview.textures.textures;
+        const auto index = static_cast<std::size_t>(textureShown_);
+        if (index < now.size() &&
+            now[index].name == shown_->preview.textures.textures[index].name) {
+            reopen = textureShown_;
+            reopenLevel = level_->currentIndex();
+        }
+    }
     shown_ = result;
     shownName_ = result->entry.name;
     textureShown_ = -1;
@@ -481,6 +495,12 @@ void PreviewPane::showResult(const std::shared_ptr<Result>& result) {
     case PreviewKind::Textures:
         showTextures(p.textures);
         showProblemLine(p.textures.stopped, p.textures.stoppedAt, p.cut, p.problem);
+        if (reopen >= 0) {
+            openTexture(reopen);
+            if (reopenLevel > 0 && reopenLevel < level_->count()) {
+                level_->setCurrentIndex(reopenLevel);
+            }
+        }
         break;
     case PreviewKind::Model:
         model_->ShowModel(p.model, result->modelTextures, result->missing);

@@ -15,6 +15,7 @@
 #include <QTreeWidget>
 
 using namespace korvel::test;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -59,6 +60,7 @@ private slots:
     void f9AndTheCloseButtonShowAndHideThePaneAndKorvelIniRemembers();
     void eachKindShowsItsPageWithWhatWasRead();
     void aReadOvertakenByANewerSelectionIsNeverShown();
+    void aTextureOpenAtFullSizeStaysOpenWhenTheDataFileChanges();
 };
 
 void PreviewPaneTest::f9AndTheCloseButtonShowAndHideThePaneAndKorvelIniRemembers() {
@@ -137,6 +139,20 @@ void PreviewPaneTest::aReadOvertakenByANewerSelectionIsNeverShown() {
     QTest::qWait(100);
     QCOMPARE(shown.size(), 1);
     QCOMPARE(shown[0][0].toString(), QString("c.col"));
+}
+
+void PreviewPaneTest::aTextureOpenAtFullSizeStaysOpenWhenTheDataFileChanges() {
+    env->action("OptPreview")->trigger();
+    QSignalSpy shown(pane, &korvel::ui::PreviewPane::entryShown);
+    select(0);
+    QVERIFY(shown.wait(5000));
+    emit pane->textureGrid()->itemActivated(pane->textureGrid()->item(1));
+    QCOMPARE(pane->currentPage()->objectName(), QString("PreviewTexture"));
+    const auto img = env->folder / "p.img";
+    std::filesystem::last_write_time(img, std::filesystem::last_write_time(img) + 2s);
+    pane->refresh();
+    QVERIFY(shown.wait(5000));
+    QCOMPARE(pane->currentPage()->objectName(), QString("PreviewTexture"));
 }
 
 QTEST_MAIN(PreviewPaneTest)
