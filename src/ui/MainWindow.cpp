@@ -8,6 +8,7 @@
 #include "ui/ArchiveView.h"
 #include "ui/EntryDrag.h"
 #include "ui/EntryModel.h"
+#include "ui/PreviewPane.h"
 #include "ui/QtTranslations.h"
 #include "ui/SearchCommands.h"
 #include "ui/ToolWindows.h"
@@ -199,6 +200,7 @@ MainWindow::MainWindow(Settings& settings, QWidget* parent)
     desktop_.attachStatusBar(bar, panel1_, panel2_, progress_);
     addCancelButton(bar);
 
+    buildPreviewPane();
     tools_ = new ToolWindows(*this);
     finds_ = new SearchCommands(*this);
     for (MenuCommand& command :
@@ -226,6 +228,15 @@ MainWindow::MainWindow(Settings& settings, QWidget* parent)
     connect(model_, &QAbstractItemModel::rowsInserted, this, later);
     connect(model_, &QAbstractItemModel::rowsRemoved, this, later);
     connect(model_, &QAbstractItemModel::dataChanged, this, later);
+    // The pane follows the same changes, batched as well: a command that
+    // changes many rows reads the entry shown once, when it is over.
+    const auto previewLater = [this] { previewTimer_->start(); };
+    connect(view_->selectionModel(), &QItemSelectionModel::selectionChanged, this, previewLater);
+    connect(view_->selectionModel(), &QItemSelectionModel::currentChanged, this, previewLater);
+    connect(model_, &QAbstractItemModel::modelReset, this, previewLater);
+    connect(model_, &QAbstractItemModel::rowsInserted, this, previewLater);
+    connect(model_, &QAbstractItemModel::rowsRemoved, this, previewLater);
+    connect(model_, &QAbstractItemModel::dataChanged, this, previewLater);
 
     connect(view_, &ArchiveView::viewRequested, this, [this] { runCommand("EditView"); });
     installMenuKeys();
@@ -259,6 +270,8 @@ void MainWindow::startup(const std::string& commandLine) {
     editor_.settings().EnsureSettingsFile();
     UseQtTranslations(editor_.settings().ReadSetting("language"));
     commands_.Startup(commandLine);
+    // korvel.ini decides, whatever the dock layout restored from it says.
+    showPreviewDock(editor_.menu().isChecked("OptPreview"));
     showArchiveState();
 }
 
@@ -364,6 +377,9 @@ void MainWindow::mirror(const std::string& name, const MenuItemState& state) {
     item->setVisible(state.visible);
     if (item->isCheckable()) {
         item->setChecked(state.checked);
+    }
+    if (name == "OptPreview") {
+        showPreviewDock(state.checked);
     }
 }
 
@@ -584,6 +600,10 @@ void MainWindow::placeWindow() {
     Settings& settings = editor_.settings();
     columnWidths_ = settings.ListColumnWidths().value_or(std::vector<int>{});
     const std::optional<std::string> stored = settings.WindowPlace();
+    // The docks' layout (the preview pane's side and width); whether the
+    // pane shows is korvel.ini's previewPane, applied at start-up.
+    restoreState(
+        QByteArray::fromBase64(QByteArray::fromStdString(settings.ReadSetting("windowDocks"))));
     if (stored && restoreGeometry(QByteArray::fromBase64(QByteArray::fromStdString(*stored)))) {
         // A place saved on a screen that is gone, or at another scale, may
         // leave the window partly out of sight: then the default is better.
@@ -606,6 +626,7 @@ void MainWindow::placeWindow() {
 void MainWindow::rememberWindowPlace() {
     Settings& settings = editor_.settings();
     settings.StoreWindowPlace(saveGeometry().toBase64().toStdString());
+    settings.WriteSetting(saveState().toBase64().toStdString(), "windowDocks");
     if (model_->columnCount() > 0) {
         std::vector<int> widths = {view_->nameFloor()};
         for (int column = 1; column < model_->columnCount(); ++column) {
@@ -617,9 +638,89 @@ void MainWindow::rememberWindowPlace() {
 
 void MainWindow::LanguageChanged() {
     UseQtTranslations(editor_.settings().ReadSetting("language"));
+    previewDock_->setWindowTitle(Q(editor_.text("prvTitle")));
+    preview_->relabel();
     tools_->relabel();
     finds_->relabel();
     dialogs_.relabel();
+}
+
+void MainWindow::buildPreviewPane() {
+    previewDock_ = new PreviewDock(this);
+    previewDock_->setWindowTitle(Q(editor_.text("prvTitle")));
+    preview_ = new PreviewPane(
+        editor_, previewExports_,
+        [this]() -> std::optional<std::size_t> {
+            const QModelIndex current = view_->currentIndex();
+            return current.isValid() ? model_->tableRow(current.row()) : std::nullopt;
+        },
+        [this](const Entry& entry, const std::string& texture) {
+            return EntryFilesMimeData(exports_.ExportTexture(entry, texture));
+        },
+        previewDock_);
+    previewDock_->setWidget(preview_);
+    addDockWidget(Qt::RightDockWidgetArea, previewDock_);
+    previewDock_->hide();
+    previewTimer_ = new QTimer(this);
+    previewTimer_->setSingleShot(true);
+    previewTimer_->setInterval(0);
+    connect(previewTimer_, &QTimer::timeout, this, [this] {
+        // A hidden pane reads nothing; while long work changes the archive
+        // it reads once the work is done, not after every file.
+        if (desktop_.workRunning()) {
+            previewTimer_->start(250);
+        } else if (editor_.menu().isChecked("OptPreview")) {
+            previewTimer_->setInterval(0);
+            preview_->refresh();
+        }
+    });
+    // The dock's close button is the person unticking the menu item.
+    connect(previewDock_, &PreviewDock::closedByPerson, this, [this] {
+        if (!shutDown_ && editor_.menu().isChecked("OptPreview")) {
+            runCommand("OptPreview");
+        }
+    });
+}
+
+void MainWindow::showPreviewDock(bool shown) {
+    if (previewDock_ == nullptr || shown == !previewDock_->isHidden()) {
+        return;
+    }
+    if (!shown) {
+        previewDock_->hide();
+        preview_->clear();
+        // The room the pane was given goes again with it.
+        if (grownForPreview_ > 0 && !isMaximized() && !isFullScreen()) {
+            resize(std::max(width() - grownForPreview_, minimumSizeHint().width()), height());
+        }
+        grownForPreview_ = 0;
+        return;
+    }
+    previewDock_->show();
+    previewTimer_->start();
+    // At start-up the window takes its size when it is first shown.
+    QTimer::singleShot(0, this, [this] { widenForPreview(); });
+}
+
+void MainWindow::widenForPreview() {
+    // The designed window is narrow: it grows by the pane's width, as far as
+    // the screen has room, instead of squeezing the list.
+    constexpr int PaneWidth = 340;
+    if (previewDock_->isHidden() || isMaximized() || isFullScreen() || previewDock_->isFloating() ||
+        centralWidget()->width() >= 2 * PaneWidth) {
+        return;
+    }
+    const QScreen* where = screen() != nullptr ? screen() : QGuiApplication::primaryScreen();
+    const QRect room = where->availableGeometry();
+    const int before = width();
+    resize(std::min(room.width() - FrameAllowance.width(), before + PaneWidth), height());
+    grownForPreview_ = width() - before;
+    resizeDocks({previewDock_}, {std::max(grownForPreview_, PaneWidth / 2)}, Qt::Horizontal);
+    if (!room.contains(frameGeometry())) {
+        move(std::clamp(x(), room.left(),
+                        std::max(room.left(), room.right() - frameGeometry().width())),
+             y());
+    }
 }
 
 void MainWindow::SetGridLines(bool shown) {

@@ -14,6 +14,7 @@
 #include "window/QuickReplaceCommand.h"
 
 #include "window/EntryExport.h"
+#include "window/PreviewCommands.h"
 
 #include <QHash>
 #include <QMainWindow>
@@ -41,6 +42,8 @@ namespace korvel::ui {
 
 class ArchiveView;
 class EntryModel;
+class PreviewDock;
+class PreviewPane;
 class SearchCommands;
 class ToolWindows;
 
@@ -79,6 +82,8 @@ public:
     QComboBox* filterKind() const { return filterKind_; }
     // The selection, the archive's size and what a rebuild would free.
     QLabel* summaryPanel() const { return summary_; }
+    PreviewDock* previewDock() const { return previewDock_; }
+    PreviewPane* previewPane() const { return preview_; }
     // Title and summary anew from the editor; runs after every command and,
     // batched, after every change of the rows or the selection.
     void showArchiveState();
@@ -123,6 +128,10 @@ private:
     void connectListSorting();
     // Drags and copies hand the selected entries over as files.
     QMimeData* exportSelectedFiles();
+    // The preview pane in its dock, following the list's current entry.
+    void buildPreviewPane();
+    void showPreviewDock(bool shown);
+    void widenForPreview();
     // The window's place and the list's column widths across runs.
     void placeWindow();
     void rememberWindowPlace();
@@ -153,6 +162,11 @@ private:
     // the columns are re-added for another language.
     std::vector<int> columnWidths_;
     EntryExport exports_{editor_};
+    PreviewExports previewExports_{editor_};
+    PreviewDock* previewDock_ = nullptr;
+    PreviewPane* preview_ = nullptr;
+    QTimer* previewTimer_ = nullptr;
+    int grownForPreview_ = 0; // pixels the window grew when the pane showed
 };
 
 } // namespace korvel::ui

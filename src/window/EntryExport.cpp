@@ -2,6 +2,7 @@
 
 #include "archive/EntryFiles.h"
 #include "platform/Folders.h"
+#include "preview/EntryPreview.h"
 #include "settings/FailureTexts.h"
 #include "window/EntryCommands.h"
 
@@ -25,18 +26,8 @@ void EntryExport::RemoveExported() {
     }
 }
 
-std::vector<fs::path> EntryExport::ExportSelected() {
+bool EntryExport::MakeFreshFolder() {
     RemoveExported();
-    const EntryTable& table = editor_.table();
-    std::vector<std::size_t> rows;
-    for (std::size_t row = 0; row < table.size(); ++row) {
-        if (table[row].selected) {
-            rows.push_back(row);
-        }
-    }
-    if (rows.empty()) {
-        return {};
-    }
     EntryCommands::EnsureTempsFolder();
     // A folder of our own that did not exist before: nothing of an earlier
     // run, or of another Korvel sharing the temps folder, is overwritten.
@@ -51,6 +42,46 @@ std::vector<fs::path> EntryExport::ExportSelected() {
         editor_.desktop().ShowMessage(editor_.text("exportNoFolder") + "\r\n" +
                                           TempsFolder().string(),
                                       editor_.text("errorTitle"), MessageIcon::Exclamation);
+        return false;
+    }
+    return true;
+}
+
+std::vector<fs::path> EntryExport::ExportTexture(const Entry& entry, const std::string& texture) {
+    if (!MakeFreshFolder()) {
+        return {};
+    }
+    const TextureExport result = ExportTextures(editor_.archive(), entry, folder_, texture);
+    if (!result.problems.empty()) {
+        std::string problems;
+        for (const std::string& p : result.problems) {
+            problems += "\r\n" + p;
+        }
+        editor_.desktop().ShowMessage(editor_.text("exportSkipped") + "\r\n" + problems,
+                                      editor_.text("errorTitle"), MessageIcon::Exclamation);
+    }
+    // The folder is new: what is in it is what was written.
+    std::vector<fs::path> files;
+    std::error_code ec;
+    for (const auto& file : fs::directory_iterator(folder_, ec)) {
+        files.push_back(file.path());
+    }
+    return files;
+}
+
+std::vector<fs::path> EntryExport::ExportSelected() {
+    RemoveExported();
+    const EntryTable& table = editor_.table();
+    std::vector<std::size_t> rows;
+    for (std::size_t row = 0; row < table.size(); ++row) {
+        if (table[row].selected) {
+            rows.push_back(row);
+        }
+    }
+    if (rows.empty()) {
+        return {};
+    }
+    if (!MakeFreshFolder()) {
         return {};
     }
     std::vector<fs::path> files;

@@ -25,10 +25,18 @@ public:
     // that could not be written (an unsafe name, a read failure) are left
     // out, and the person is told which and why.
     std::vector<std::filesystem::path> ExportSelected();
+    // Writes the texture `texture` of the dictionary `entry` as a PNG file in
+    // a fresh hand-over folder and returns it; nothing, after telling the
+    // person why, when it could not be written.
+    std::vector<std::filesystem::path> ExportTexture(const Entry& entry,
+                                                     const std::string& texture);
     // Removes the folder of the last hand-over, if there is one.
     void RemoveExported();
 
 private:
+    // A new folder of our own under the temps folder, the last one removed.
+    bool MakeFreshFolder();
+
     Editor& editor_;
     std::filesystem::path folder_;
 };

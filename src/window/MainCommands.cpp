@@ -91,7 +91,7 @@ void MainCommands::ApplyStartupSettings() {
     }
     for (const auto& [key, item] :
          {std::pair{"deleteProm", "OptConDelete"}, std::pair{"addingScan", "AddingScan"},
-          std::pair{"rebuildPrompt", "OptRebuildPrompt"}}) {
+          std::pair{"rebuildPrompt", "OptRebuildPrompt"}, std::pair{"previewPane", "OptPreview"}}) {
         if (BooleanWord(settings.ReadSetting(key)).value_or(false)) {
             menu.setChecked(item, true);
         }

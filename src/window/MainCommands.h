@@ -53,10 +53,11 @@ struct OptionSetting {
     std::string_view settingKey;
 };
 
-inline constexpr std::array<OptionSetting, 3> OptionSettings = {{
+inline constexpr std::array<OptionSetting, 4> OptionSettings = {{
     {"OptAuto", "autoLoad"},
     {"OptConDelete", "deleteProm"},
     {"OptRebuildPrompt", "rebuildPrompt"},
+    {"OptPreview", "previewPane"},
 }};
 
 // The text the window is started with: the arguments joined by blanks,

@@ -39,6 +39,8 @@ std::vector<MenuNode> BuildTree() {
     }
     MenuNode recent1 = Item("recent1", "recent1", {}, "F1");
     recent1.checkable = true; // checked while it names the open archive
+    MenuNode previewPane = Item("OptPreview", "Preview pane", "menud2d", "F9");
+    previewPane.checkable = true;
 
     return {
         Sub("MenuFile", "File", "menua1",
@@ -94,7 +96,7 @@ std::vector<MenuNode> BuildTree() {
              Sub("ArcViz", "Display", "menud2",
                  {Check("OptGrid", "Show grid lines", "menud2a"),
                   Check("OptCols", "Show grid colors", "menud2b"), Gap("vgap"),
-                  Item("OptsPick", "Pick line colors", "menud2c")}),
+                  Item("OptsPick", "Pick line colors", "menud2c"), Gap("previewGap"), previewPane}),
              Sub("AddScan", "Adding scan", "menud3",
                  {Check("AddingScan", "Scan when adding", "menud3a"),
                   Item("ScanSettings", "Scan options", "menud3b")}),

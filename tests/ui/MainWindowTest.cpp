@@ -99,7 +99,8 @@ void MainWindowTest::menuBarFollowsTheMenuTree() {
         "MenuEdit{EditAdd[Ctrl+A] EditExtract[Ctrl+E] EditQuick[F5] -g6 ComDel[Del] ComReplace "
         "CmdGroupReplace -dfdsdsfsdf ComRename[Ctrl+R] ComMove[Ctrl+M] ComRebuild} "
         "MenuOptions{OptionsLanguage{lang1* lang2* lang3* lang4* lang5* lang6* lang7*} "
-        "OptSort{SortOffset* SortName*} -gap2222 ArcViz{OptGrid* OptCols* -vgap OptsPick} "
+        "OptSort{SortOffset* SortName*} -gap2222 ArcViz{OptGrid* OptCols* -vgap OptsPick "
+        "-previewGap OptPreview[F9]*} "
         "AddScan{AddingScan* ScanSettings} -g4 OptAuto* OptConDelete* OptRebuildPrompt* "
         "OptStdKeys* -sexySpacerNo5 OptAss} "
         "MenuHelp{HelpHome HelpCheckWeb -drfsdfsdf HelpHelp[F12] HelpAbout}";
