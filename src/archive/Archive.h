@@ -5,6 +5,7 @@
 #pragma once
 
 #include "archive/EntryTable.h"
+#include "archive/Format.h"
 #include "platform/FileSystem.h"
 #include "platform/Status.h"
 
@@ -24,7 +25,11 @@ inline constexpr std::string_view NoPath = "none";
 class Archive {
 public:
     const std::string& dataPath() const { return dataPath_; }
+    // The file that holds the directory: the ".dir" file of a two-file
+    // archive, the data file itself for a one-file archive (so whatever
+    // names "the directory file" names the file whose records it means).
     const std::string& dirPath() const { return dirPath_; }
+    ArchiveKind kind() const { return kind_; }
     bool isOpen() const { return dataPath_ != NoPath; }
     EntryTable& table() { return table_; }
     const EntryTable& table() const { return table_; }
@@ -61,6 +66,7 @@ private:
     std::optional<FileStamp> dirStamp_;
     std::string dataPath_{NoPath};
     std::string dirPath_{NoPath};
+    ArchiveKind kind_ = ArchiveKind::TwoFile;
     std::uint64_t highestOffset_ = 0;
     EntryTable table_;
 };
