@@ -232,7 +232,7 @@ AddOutcome AddBatch::AddUnderStoredName(const std::string& path, std::string& na
         error = data.length(oldLength);
     }
     if (error.empty()) {
-        error = CheckAppendPlacement(offset, sectors, oldLength).error();
+        error = archive_.CheckAppendAt(offset, sectors, oldLength).error();
     }
     if (error.empty()) {
         error = CopyRange(source, 0, data, offset, size);

@@ -81,6 +81,13 @@ std::uint64_t Archive::appendOffset() const {
     return std::max(table_.appendOffset(), records * SectorSize);
 }
 
+Status Archive::CheckAppendAt(std::uint64_t offset, std::uint64_t sectors,
+                              std::uint64_t dataLength) const {
+    const DirectoryStore& store = DirectoryStoreOf(kind_);
+    const std::uint64_t kept = store.firstDataSector(store.roomFor(table_.size() + 1)) * SectorSize;
+    return CheckAppendPlacement(offset, sectors, std::max(dataLength, kept));
+}
+
 Status Archive::CheckEntrySectors(std::uint64_t sectors, const std::string& path) const {
     const std::uint32_t most = DirectoryStoreOf(kind_).maxEntrySectors();
     if (sectors <= most) {
@@ -123,24 +130,30 @@ Status Archive::MakeRoomForRecords(std::vector<std::pair<std::size_t, Entry>>& m
     if (error.empty()) {
         error = data.length(lengthBefore);
     }
-    std::uint64_t at = appendOffset();
+    std::vector<std::size_t> rows;
+    std::uint64_t sectors = 0;
     for (std::size_t row = 0; row < table_.size() && error.empty(); ++row) {
-        const Entry entry = table_[row];
         if (!inTheWay(row, room)) {
             continue;
         }
         // Moving is copying: an entry reaching past the end of the file has
         // no bytes to copy there, and a rebuild is what cuts it.
-        if (SectorsPresent(entry, lengthBefore) < entry.sizeSectors) {
+        if (SectorsPresent(table_[row], lengthBefore) < table_[row].sizeSectors) {
             return EntriesBeyondDataStatus(lengthBefore);
         }
-        if (Status placed = CheckAppendPlacement(at, entry.sizeSectors, lengthBefore);
-            !placed.ok()) {
-            return placed;
-        }
+        rows.push_back(row);
+        sectors += table_[row].sizeSectors;
+    }
+    std::uint64_t at = appendOffset();
+    if (Status placed = CheckAppendAt(at, sectors, lengthBefore); !placed.ok()) {
+        return placed;
+    }
+    for (std::size_t i = 0; i < rows.size() && error.empty(); ++i) {
+        const Entry entry = table_[rows[i]];
         error = CopyRange(in, entry.byteOffset(), data, at, entry.byteCount());
-        moved.emplace_back(row, entry);
-        table_.setPlacement(row, static_cast<std::uint32_t>(at / SectorSize), entry.sizeSectors);
+        moved.emplace_back(rows[i], entry);
+        table_.setPlacement(rows[i], static_cast<std::uint32_t>(at / SectorSize),
+                            entry.sizeSectors);
         at += entry.byteCount();
     }
     // The copies must be on the disk before records point at them.

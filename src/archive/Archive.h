@@ -42,6 +42,10 @@ public:
     // and never below the sectors the directory needs (a one-file archive
     // keeps its records there). The one rule adding and replacing use.
     std::uint64_t appendOffset() const;
+    // CheckAppendPlacement for this archive: the sectors kept for its records
+    // count as held even where a short data file does not reach them yet.
+    Status CheckAppendAt(std::uint64_t offset, std::uint64_t sectors,
+                         std::uint64_t dataLength) const;
     // The lowest sector entries' data may use; in-place writes stay above it.
     std::uint64_t firstDataSector() const;
     // Refuses, before anything is written, a file of `sectors` sectors that

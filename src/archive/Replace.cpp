@@ -177,7 +177,7 @@ ReplaceResult ReplaceEntry(Archive& archive, std::size_t row, const std::string&
         if (FsError error = data.length(oldLength); !error.empty()) {
             return Failed(error);
         }
-        if (Status placed = CheckAppendPlacement(offset, needed, oldLength); !placed.ok()) {
+        if (Status placed = archive.CheckAppendAt(offset, needed, oldLength); !placed.ok()) {
             return Failed(placed.error());
         }
         FsError error = CopyRange(source, 0, data, offset, n);
