@@ -193,4 +193,36 @@ TEST_F(EntryVerbs, CtrlCStopsAtASafePointAndExits130) {
     }
 }
 
+TEST_F(EntryVerbs, OneFileArchivesListAddAndCheckAndSurviveAKillWhileTheirRecordsGrow) {
+    // 63 records fill the one-file kind's first sector: adding one moves an entry.
+    std::vector<DirRecord> records{{0, 1, "car.dff"}, {1, 1, "CAR.DFF"}};
+    for (std::uint32_t i = 2; i < 63; ++i) {
+        records.push_back({i, 1, "fill" + std::to_string(i)});
+    }
+    const fs::path two = folder / "two.img", one = folder / "one.img";
+    WriteArchive(two, records, 63 * SectorSize);
+    const auto make = [&] { WriteOneFileTwin(two, one); };
+    make();
+    EXPECT_EQ(RunCli({"list", one.string()}).out.substr(0, 16), "car.dff\t800\t2kb\n");
+    EXPECT_EQ(RunCli({"check", one.string()}).out, RunCli({"check", two.string()}).out);
+    const std::string old = ListedBytes(one);
+    ASSERT_EQ(RunCli({"add", one.string(), in("new.ifp")}).exitCode, 0);
+    const std::string added = ListedBytes(one);
+    EXPECT_EQ(RunCli({"list", one.string()}).out.substr(0, 18), "car.dff\t20800\t2kb\n");
+    const char* const steps[] = {"copy", "records-room-made", "records-journal-part",
+                                 "records-journal-written", "records-written"};
+    for (std::size_t i = 0; i < std::size(steps); ++i) {
+        SCOPED_TRACE(steps[i]);
+        make();
+        setenv("KORVEL_TEST_KILL_AT", steps[i], 1);
+        EXPECT_EQ(RunCli({"add", one.string(), in("new.ifp")}).exitCode, 128 + SIGKILL);
+        unsetenv("KORVEL_TEST_KILL_AT");
+        EXPECT_EQ(RunCli({"list", one.string()}).exitCode, 0);
+        EXPECT_EQ(ListedBytes(one), i < 3 ? old : added);
+        for (const auto& item : fs::directory_iterator(folder.path())) {
+            EXPECT_EQ(item.path().filename().string().find(".korvel"), std::string::npos);
+        }
+    }
+}
+
 } // namespace korvel::test
