@@ -9,6 +9,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <functional>
+#include <map>
 
 namespace korvel::test {
 
@@ -193,7 +194,7 @@ TEST_F(EntryVerbs, CtrlCStopsAtASafePointAndExits130) {
     }
 }
 
-TEST_F(EntryVerbs, OneFileArchivesListAddAndCheckAndSurviveAKillWhileTheirRecordsGrow) {
+TEST_F(EntryVerbs, OneFileArchivesListAddCheckAndSurviveAKillWhileAddingOrRebuilding) {
     // 63 records fill the one-file kind's first sector: adding one moves an entry.
     std::vector<DirRecord> records{{0, 1, "car.dff"}, {1, 1, "CAR.DFF"}};
     for (std::uint32_t i = 2; i < 63; ++i) {
@@ -206,19 +207,29 @@ TEST_F(EntryVerbs, OneFileArchivesListAddAndCheckAndSurviveAKillWhileTheirRecord
     EXPECT_EQ(RunCli({"list", one.string()}).out.substr(0, 16), "car.dff\t800\t2kb\n");
     EXPECT_EQ(RunCli({"check", one.string()}).out, RunCli({"check", two.string()}).out);
     const std::string old = ListedBytes(one);
-    ASSERT_EQ(RunCli({"add", one.string(), in("new.ifp")}).exitCode, 0);
-    const std::string added = ListedBytes(one);
-    EXPECT_EQ(RunCli({"list", one.string()}).out.substr(0, 18), "car.dff\t20800\t2kb\n");
-    const char* const steps[] = {"copy", "records-room-made", "records-journal-part",
-                                 "records-journal-written", "records-written"};
-    for (std::size_t i = 0; i < std::size(steps); ++i) {
-        SCOPED_TRACE(steps[i]);
+    std::map<std::string, std::vector<std::string>> calls{
+        {"rebuild", {"rebuild", one.string()}}, {"add", {"add", one.string(), in("new.ifp")}}};
+    std::map<std::string, std::string> changed; // by verb, after an uninterrupted run
+    for (const auto& [verb, args] : calls) {
         make();
-        setenv("KORVEL_TEST_KILL_AT", steps[i], 1);
-        EXPECT_EQ(RunCli({"add", one.string(), in("new.ifp")}).exitCode, 128 + SIGKILL);
+        ASSERT_EQ(RunCli(args).exitCode, 0);
+        changed[verb] = ListedBytes(one);
+    }
+    // clang-format off
+    const std::tuple<const char*, const char*, bool> kills[] = { // verb, step, changed
+        {"add", "copy", false}, {"add", "records-room-made", false}, {"add", "records-journal-part", false},
+        {"add", "records-journal-written", true}, {"add", "records-written", true},
+        {"rebuild", "rebuild-data-written", false}, {"rebuild", "rebuild-journal-part", false},
+        {"rebuild", "rebuild-journal-written", true}, {"rebuild", "rebuild-data-renamed", true}};
+    // clang-format on
+    for (const auto& [verb, step, done] : kills) {
+        SCOPED_TRACE(step);
+        make();
+        setenv("KORVEL_TEST_KILL_AT", step, 1);
+        EXPECT_EQ(RunCli(calls[verb]).exitCode, 128 + SIGKILL);
         unsetenv("KORVEL_TEST_KILL_AT");
         EXPECT_EQ(RunCli({"list", one.string()}).exitCode, 0);
-        EXPECT_EQ(ListedBytes(one), i < 3 ? old : added);
+        EXPECT_EQ(ListedBytes(one), done ? changed[verb] : old);
         for (const auto& item : fs::directory_iterator(folder.path())) {
             EXPECT_EQ(item.path().filename().string().find(".korvel"), std::string::npos);
         }
