@@ -217,7 +217,10 @@ AddOutcome AddBatch::AddUnderStoredName(const std::string& path, std::string& na
     }
     const std::uint64_t size = FileLength(path).value_or(0);
     const std::uint64_t sectors = SectorsForFile(size);
-    const std::uint64_t offset = appendAt_ ? *appendAt_ : table.appendOffset();
+    if (Status tooLarge = archive_.CheckEntrySectors(sectors, path); !tooLarge.ok()) {
+        return Failure(std::move(tooLarge));
+    }
+    const std::uint64_t offset = appendAt_ ? *appendAt_ : archive_.appendOffset();
     File source;
     File data;
     FsError error = source.open(path, File::Mode::Read);
@@ -229,7 +232,7 @@ AddOutcome AddBatch::AddUnderStoredName(const std::string& path, std::string& na
         error = data.length(oldLength);
     }
     if (error.empty()) {
-        error = CheckAppendPlacement(offset, sectors, oldLength).error();
+        error = archive_.CheckAppendAt(offset, sectors, oldLength).error();
     }
     if (error.empty()) {
         error = CopyRange(source, 0, data, offset, size);
@@ -244,6 +247,7 @@ AddOutcome AddBatch::AddUnderStoredName(const std::string& path, std::string& na
     if (error.empty()) {
         error = data.close();
     }
+    archive_.dataWritten();
     if (!error.empty()) {
         return DataFailure(error);
     }

@@ -1,5 +1,7 @@
 #include "archive/Archive.h"
 
+#include "archive/DirectoryStore.h"
+#include "archive/EntryFiles.h"
 #include "archive/Format.h"
 #include "archive/RebuildJournal.h"
 #include "platform/Cp1252.h"
@@ -44,43 +46,124 @@ std::string DataPathForNewArchive(const std::string& chosen, const std::filesyst
 #endif
 }
 
-std::string TooManyEntries(const std::string& dirPath) {
-    return "The directory file " + dirPath + " lists more than " + std::to_string(MaxRecords) +
-           " entries, the most an archive can hold.";
-}
-
 } // namespace
 
 Status Archive::ReadDirectory(const std::string& dataPath, const std::string& dirPath) {
-    const auto fail = [this](std::string error) {
-        Close();
-        return Status::Failed(std::move(error));
-    };
-    const auto length = FileLength(dirPath);
-    if (!length) {
-        return fail("Cannot read the directory file " + dirPath + ".");
-    }
-    if (RecordCountForLength(*length) > MaxRecords) {
-        return fail(TooManyEntries(dirPath));
-    }
+    const ArchiveKind kind = ArchiveKindOfFile(dataPath);
+    const DirectoryStore& store = DirectoryStoreOf(kind);
+    const std::string recordsPath = store.recordsPath(dataPath, dirPath);
     // Taken before reading: a change in between makes the next write refuse,
     // which is the safe side.
-    const std::optional<FileStamp> stamp = StampOf(dirPath);
-    FsError error;
-    const auto bytes = ReadSmallFile(dirPath, error);
-    if (!bytes) {
-        return fail(error);
-    }
-    const std::vector<DirRecord> records = DecodeDirectory(*bytes);
-    if (records.size() > MaxRecords) {
-        return fail(TooManyEntries(dirPath));
+    const std::optional<FileStamp> stamp = StampOf(recordsPath);
+    std::vector<DirRecord> records;
+    if (Status read = store.read(recordsPath, records); !read.ok()) {
+        Close();
+        return read;
     }
     dataPath_ = dataPath;
-    dirPath_ = dirPath;
+    dirPath_ = recordsPath;
+    kind_ = kind;
     dirStamp_ = stamp;
     table_.assign(RowsOf(records));
     FindHighestOffset();
     return Status::Ok();
+}
+
+std::uint64_t Archive::firstDataSector() const {
+    return DirectoryStoreOf(kind_).firstDataSector(table_.size());
+}
+
+std::uint64_t Archive::appendOffset() const {
+    const DirectoryStore& store = DirectoryStoreOf(kind_);
+    // Room for the record of the entry being added and some more, so that
+    // the records' growth rarely has anything to move.
+    const std::uint64_t records = store.firstDataSector(store.roomFor(table_.size() + 1));
+    return std::max(table_.appendOffset(), records * SectorSize);
+}
+
+Status Archive::CheckAppendAt(std::uint64_t offset, std::uint64_t sectors,
+                              std::uint64_t dataLength) const {
+    const DirectoryStore& store = DirectoryStoreOf(kind_);
+    const std::uint64_t kept = store.firstDataSector(store.roomFor(table_.size() + 1)) * SectorSize;
+    return CheckAppendPlacement(offset, sectors, std::max(dataLength, kept));
+}
+
+Status Archive::CheckEntrySectors(std::uint64_t sectors, const std::string& path) const {
+    const std::uint32_t most = DirectoryStoreOf(kind_).maxEntrySectors();
+    if (sectors <= most) {
+        return Status::Ok();
+    }
+    const std::string mib = std::to_string(std::uint64_t{most} * SectorSize / 1024 / 1024);
+    return Status::Failed(
+        path + " is too large for an entry of this archive, which holds at most " +
+            std::to_string(most) + " sectors (" + mib + " MiB); nothing was changed",
+        "entryTooLarge", {path, std::to_string(most), mib});
+}
+
+void Archive::dataWritten() {
+    if (isOpen() && DirectoryStoreOf(kind_).recordsInDataFile()) {
+        dirStamp_ = StampOf(dirPath_);
+    }
+}
+
+Status Archive::MakeRoomForRecords(std::vector<std::pair<std::size_t, Entry>>& moved,
+                                   std::uint64_t& lengthBefore) {
+    const DirectoryStore& store = DirectoryStoreOf(kind_);
+    const auto inTheWay = [this](std::size_t row, std::uint64_t below) {
+        return table_[row].sizeSectors > 0 && table_[row].startSector < below;
+    };
+    const std::uint64_t needed = store.firstDataSector(table_.size());
+    bool blocked = false;
+    for (std::size_t row = 0; row < table_.size() && !blocked; ++row) {
+        blocked = inTheWay(row, needed);
+    }
+    if (!blocked) {
+        return Status::Ok();
+    }
+    const std::uint64_t room = store.firstDataSector(store.roomFor(table_.size()));
+    File in;
+    File data;
+    FsError error = in.open(dataPath_, File::Mode::Read);
+    if (error.empty()) {
+        error = data.open(dataPath_, File::Mode::ReadWrite);
+    }
+    if (error.empty()) {
+        error = data.length(lengthBefore);
+    }
+    std::vector<std::size_t> rows;
+    std::uint64_t sectors = 0;
+    for (std::size_t row = 0; row < table_.size() && error.empty(); ++row) {
+        if (!inTheWay(row, room)) {
+            continue;
+        }
+        // Moving is copying: an entry reaching past the end of the file has
+        // no bytes to copy there, and a rebuild is what cuts it.
+        if (SectorsPresent(table_[row], lengthBefore) < table_[row].sizeSectors) {
+            return EntriesBeyondDataStatus(lengthBefore);
+        }
+        rows.push_back(row);
+        sectors += table_[row].sizeSectors;
+    }
+    std::uint64_t at = appendOffset();
+    if (Status placed = CheckAppendAt(at, sectors, lengthBefore); !placed.ok()) {
+        return placed;
+    }
+    for (std::size_t i = 0; i < rows.size() && error.empty(); ++i) {
+        const Entry entry = table_[rows[i]];
+        error = CopyRange(in, entry.byteOffset(), data, at, entry.byteCount());
+        moved.emplace_back(rows[i], entry);
+        table_.setPlacement(rows[i], static_cast<std::uint32_t>(at / SectorSize),
+                            entry.sizeSectors);
+        at += entry.byteCount();
+    }
+    // The copies must be on the disk before records point at them.
+    if (error.empty()) {
+        error = data.sync();
+    }
+    if (error.empty()) {
+        error = Step("records-room-made");
+    }
+    return error.empty() ? Status::Ok() : Status::Failed(error);
 }
 
 Status Archive::WriteDirectory() {
@@ -88,28 +171,52 @@ Status Archive::WriteDirectory() {
     if (!lock.held()) {
         return lock.status();
     }
+    const DirectoryStore& store = DirectoryStoreOf(kind_);
     for (std::size_t row = 0; row < table_.size(); ++row) {
         if (table_[row].name.size() > NameFieldSize) {
             table_.setName(row, table_[row].name.substr(0, NameFieldSize));
         }
+        if (table_[row].sizeSectors > store.maxEntrySectors()) {
+            return CheckEntrySectors(table_[row].sizeSectors, Cp1252ToUtf8(table_[row].name));
+        }
     }
-    std::vector<DirRecord> records;
-    records.reserve(table_.size());
-    for (const Entry& entry : table_.rows()) {
-        records.push_back({entry.startSector, entry.sizeSectors, entry.name});
+    std::vector<std::pair<std::size_t, Entry>> moved;
+    std::uint64_t lengthBefore = 0;
+    Status room = MakeRoomForRecords(moved, lengthBefore);
+    DirectoryWrite written{room, true};
+    if (room.ok()) {
+        std::vector<DirRecord> records;
+        records.reserve(table_.size());
+        for (const Entry& entry : table_.rows()) {
+            records.push_back({entry.startSector, entry.sizeSectors, entry.name});
+        }
+        written = store.write(dirPath_, records);
     }
-    if (FsError error = WriteFileAtomically(dirPath_, EncodeDirectory(records)); !error.empty()) {
-        return Status::Failed(error);
+    if (!written.status.ok() && written.oldStands) {
+        for (const auto& [row, entry] : moved) {
+            table_.setPlacement(row, entry.startSector, entry.sizeSectors);
+        }
+        if (!moved.empty()) {
+            // Nothing points at the copies; give the space back.
+            File data;
+            if (data.open(dataPath_, File::Mode::ReadWrite).empty()) {
+                (void)data.truncate(lengthBefore);
+            }
+        }
     }
-    dirStamp_ = StampOf(dirPath_); // no one else writes while the lock is held
-    return Status::Ok();
+    // No one else writes while the lock is held, so the stamp is our write's
+    // (failed writes of the records in place changed the data file too).
+    if (written.status.ok() || store.recordsInDataFile()) {
+        dirStamp_ = StampOf(dirPath_);
+    }
+    return written.status;
 }
 
 void Archive::FollowDirectoryOnDisk() {
     const std::optional<FileStamp> stamp = StampOf(dirPath_);
-    FsError error;
-    if (const auto bytes = ReadSmallFile(dirPath_, error)) {
-        table_.assign(RowsOf(DecodeDirectory(*bytes)));
+    std::vector<DirRecord> records;
+    if (DirectoryStoreOf(kind_).read(dirPath_, records).ok()) {
+        table_.assign(RowsOf(records));
         dirStamp_ = stamp;
     }
     FindHighestOffset();
@@ -126,6 +233,7 @@ void Archive::Close() {
     table_.clear();
     dataPath_ = NoPath;
     dirPath_ = NoPath;
+    kind_ = ArchiveKind::TwoFile;
     highestOffset_ = 0;
 }
 
@@ -133,7 +241,9 @@ std::optional<OpenFailure>
 OpenArchiveFiles(Archive& archive, const std::string& dataPath,
                  const std::function<void(const std::string&, const std::string&)>& beforeReading,
                  std::string* recoveryNotice) {
-    if (DirectoryIsDataFile(dataPath)) {
+    // A one-file archive has no directory file, so any name will do.
+    const bool oneFile = ArchiveKindOfFile(dataPath) == ArchiveKind::OneFile;
+    if (!oneFile && DirectoryIsDataFile(dataPath)) {
         archive.Close();
         return OpenFailure{OpenFailure::Step::NotAnArchive,
                            dataPath + " is not an archive's data file: its directory file would "
@@ -142,7 +252,8 @@ OpenArchiveFiles(Archive& archive, const std::string& dataPath,
     if (auto notice = RecoverInterruptedRebuild(dataPath); notice && recoveryNotice) {
         *recoveryNotice = std::move(*notice);
     }
-    const std::string dirPath = DirectoryPathFor(dataPath).string();
+    const std::string dirPath = DirectoryStoreOf(ArchiveKindOfFile(dataPath))
+                                    .recordsPath(dataPath, DirectoryPathFor(dataPath).string());
     if (!FileExists(dataPath)) {
         archive.Close();
         return OpenFailure{OpenFailure::Step::DataFileMissing, dataPath};
@@ -155,7 +266,7 @@ OpenArchiveFiles(Archive& archive, const std::string& dataPath,
         beforeReading(dataPath, dirPath);
     }
     if (const Status read = archive.ReadDirectory(dataPath, dirPath); !read.ok()) {
-        return OpenFailure{OpenFailure::Step::DirectoryUnreadable, read.error()};
+        return OpenFailure{OpenFailure::Step::DirectoryUnreadable, read.error(), read};
     }
     return std::nullopt;
 }

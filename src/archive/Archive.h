@@ -5,6 +5,7 @@
 #pragma once
 
 #include "archive/EntryTable.h"
+#include "archive/Format.h"
 #include "platform/FileSystem.h"
 #include "platform/Status.h"
 
@@ -24,7 +25,11 @@ inline constexpr std::string_view NoPath = "none";
 class Archive {
 public:
     const std::string& dataPath() const { return dataPath_; }
+    // The file that holds the directory: the ".dir" file of a two-file
+    // archive, the data file itself for a one-file archive (so whatever
+    // names "the directory file" names the file whose records it means).
     const std::string& dirPath() const { return dirPath_; }
+    ArchiveKind kind() const { return kind_; }
     bool isOpen() const { return dataPath_ != NoPath; }
     EntryTable& table() { return table_; }
     const EntryTable& table() const { return table_; }
@@ -33,15 +38,38 @@ public:
     std::uint64_t highestOffset() const { return highestOffset_; }
     void FindHighestOffset() { highestOffset_ = table_.highestOffset(); }
 
-    // Reads the directory file of an archive whose two files exist and fills
-    // the table from it. The length is checked before anything is read, so a
-    // huge file is refused without reading it. On failure the archive is
-    // closed and the text says why.
+    // Where the data of a new entry goes: behind the entry that lies last,
+    // and never below the sectors the directory needs (a one-file archive
+    // keeps its records there). The one rule adding and replacing use.
+    std::uint64_t appendOffset() const;
+    // CheckAppendPlacement for this archive: the sectors kept for its records
+    // count as held even where a short data file does not reach them yet.
+    Status CheckAppendAt(std::uint64_t offset, std::uint64_t sectors,
+                         std::uint64_t dataLength) const;
+    // The lowest sector entries' data may use; in-place writes stay above it.
+    std::uint64_t firstDataSector() const;
+    // Refuses, before anything is written, a file of `sectors` sectors that
+    // an entry of this kind of archive cannot hold.
+    Status CheckEntrySectors(std::uint64_t sectors, const std::string& path) const;
+    // Said by an operation holding the lock after it wrote to the data file.
+    // Where the records live in the data file, its stamp is the directory's,
+    // and our own write must not look like another program's change.
+    void dataWritten();
+
+    // Reads the directory of the archive whose data file is `dataPath` and
+    // fills the table from it: from `dirPath` for a two-file archive, from
+    // the data file itself for a one-file one (its first bytes say which).
+    // The length is checked before anything is read, so a huge file is
+    // refused without reading it. On failure the archive is closed and the
+    // text says why.
     Status ReadDirectory(const std::string& dataPath, const std::string& dirPath);
 
-    // Writes the directory file anew from the rows, atomically (names longer
-    // than a record holds are cut in the table first). On failure the old
-    // file is still in place.
+    // Writes the directory anew from the rows (names longer than a record
+    // holds are cut in the table first): the directory file atomically, or a
+    // one-file archive's records in place under a journal, after moving the
+    // entries that lie where more records need room to the end of the data
+    // file. On failure the old directory is still in place and the rows say
+    // what it says.
     Status WriteDirectory();
 
     // Makes the table list again what the directory file on disk lists: after
@@ -61,8 +89,28 @@ private:
     std::optional<FileStamp> dirStamp_;
     std::string dataPath_{NoPath};
     std::string dirPath_{NoPath};
+    ArchiveKind kind_ = ArchiveKind::TwoFile;
     std::uint64_t highestOffset_ = 0;
     EntryTable table_;
+
+    // Moves the entries that lie where the records need room (their rows
+    // follow); `moved` keeps their rows and old rows to put back.
+    Status MakeRoomForRecords(std::vector<std::pair<std::size_t, Entry>>& moved,
+                              std::uint64_t& lengthBefore);
+};
+
+// Held by an operation while it writes to the data file under the lock: on
+// leaving, whatever way, the archive takes the write for its own
+// (Archive::dataWritten).
+class DataWriteScope {
+public:
+    explicit DataWriteScope(Archive& archive) : archive_(archive) {}
+    ~DataWriteScope() { archive_.dataWritten(); }
+    DataWriteScope(const DataWriteScope&) = delete;
+    DataWriteScope& operator=(const DataWriteScope&) = delete;
+
+private:
+    Archive& archive_;
 };
 
 // Why an archive could not be opened; the window and the command-line tool
@@ -74,6 +122,8 @@ struct OpenFailure {
     enum class Step { DataFileMissing, DirectoryFileMissing, DirectoryUnreadable, NotAnArchive };
     Step step;
     std::string detail; // the missing file's path, or what went wrong reading
+    // DirectoryUnreadable: the same, to be said in the person's language.
+    Status reason = Status::Ok();
 };
 
 // Opens the archive whose data file is `dataPath`, in the order every opener

@@ -63,7 +63,7 @@ std::vector<std::filesystem::path> ArchiveOwnFiles(const Archive& archive) {
     const RebuildFiles own = RebuildFilesFor(archive.dataPath(), archive.dirPath());
     return {archive.dataPath(), archive.dirPath(), own.data,    own.dir,
             own.newData,        own.newDir,        own.journal, own.journal.string() + ".part",
-            own.lock,           own.oldBytes};
+            own.lock,           own.oldBytes,      own.records, own.records.string() + ".part"};
 }
 
 std::uint32_t SectorsPresent(const Entry& entry, std::uint64_t dataLength) {
@@ -81,12 +81,16 @@ Status CheckAppendPlacement(std::uint64_t offset, std::uint64_t sectors, std::ui
     }
     // A last entry held only in part still counts as held, as in SectorsPresent.
     if (offset > SectorsForFile(dataLength) * SectorSize) {
-        return Status::Failed("the directory lists entries beyond the end of the data file (" +
-                                  std::to_string(dataLength) +
-                                  " bytes); rebuild the archive before adding to it",
-                              "entriesBeyondData", {std::to_string(dataLength)});
+        return EntriesBeyondDataStatus(dataLength);
     }
     return Status::Ok();
+}
+
+Status EntriesBeyondDataStatus(std::uint64_t dataLength) {
+    return Status::Failed("the directory lists entries beyond the end of the data file (" +
+                              std::to_string(dataLength) +
+                              " bytes); rebuild the archive before adding to it",
+                          "entriesBeyondData", {std::to_string(dataLength)});
 }
 
 Status UnsafeNameStatus(const std::string& rawName) {

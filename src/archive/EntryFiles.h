@@ -36,7 +36,8 @@ std::optional<std::filesystem::path> EntryFileIn(const std::filesystem::path& fo
                                                  const std::string& rawName);
 
 // The files that make up the open archive on disk: its data and directory
-// files and what Korvel keeps beside them while changing it. Nothing
+// files (one file for a one-file archive) and what Korvel keeps beside them
+// while changing it. Nothing
 // Korvel writes for the person may land on one of them.
 std::vector<std::filesystem::path> ArchiveOwnFiles(const Archive& archive);
 
@@ -51,6 +52,9 @@ std::uint32_t SectorsPresent(const Entry& entry, std::uint64_t dataLength);
 // of the data file: a damaged record claiming sectors far out would make the
 // data file terabytes of holes. A rebuild cuts such records to what exists.
 Status CheckAppendPlacement(std::uint64_t offset, std::uint64_t sectors, std::uint64_t dataLength);
+// Why nothing more may be written: entries reach past the end of the data
+// file of `dataLength` bytes.
+Status EntriesBeyondDataStatus(std::uint64_t dataLength);
 
 // Says that the entry reaches past the end of the data file and how many of
 // its bytes are missing; callers add what they did about it.

@@ -3,6 +3,7 @@
 // then says it is complete, the two renames follow, and the journal goes. An
 // interruption at any moment leaves the old archive or, once the journal
 // exists, one that the next open completes: never a mix, never neither.
+#include "archive/DirectoryStore.h"
 #include "archive/EntryFiles.h"
 #include "archive/EntryOperations.h"
 #include "archive/RebuildJournal.h"
@@ -89,11 +90,36 @@ bool IsDirectoryFile(const fs::path& path, std::uint64_t length, std::uint64_t c
     const auto bytes = ReadSmallFile(path, error);
     return bytes && bytes->size() == length && DirectoryChecksum(*bytes) == checksum;
 }
+// Whether `path` is a one-file archive of `length` bytes whose first
+// `recordBytes` bytes (its records) have `checksum`.
+bool IsOneFileArchive(const fs::path& path, std::uint64_t length, std::uint64_t recordBytes,
+                      std::uint64_t checksum) {
+    File in;
+    if (recordBytes > OneFileRecordAreaBytes(MaxRecords) || recordBytes > length ||
+        !HasLength(path, length) || !in.open(path, File::Mode::Read).empty()) {
+        return false;
+    }
+    std::string bytes(recordBytes, '\0');
+    std::size_t got = 0;
+    return in.readAt(0, bytes.data(), bytes.size(), got).empty() && got == recordBytes &&
+           DirectoryChecksum(bytes) == checksum;
+}
 
 // How far a journalled rebuild got, judged only by the files beside the
 // archive: the data file is renamed first, then the directory file.
 enum class RenameProgress { NoneDone, DataDone, BothDone, Mismatch };
 RenameProgress ProgressOf(const RebuildFiles& files, const RebuildJournal& journal) {
+    if (journal.oneFile) {
+        // One file, one rename.
+        if (IsOneFileArchive(files.newData, journal.dataLength, journal.dirLength,
+                             journal.dirChecksum)) {
+            return RenameProgress::NoneDone;
+        }
+        return !Stands(files.newData) && IsOneFileArchive(files.data, journal.dataLength,
+                                                          journal.dirLength, journal.dirChecksum)
+                   ? RenameProgress::BothDone
+                   : RenameProgress::Mismatch;
+    }
     const bool newDirWaiting =
         IsDirectoryFile(files.newDir, journal.dirLength, journal.dirChecksum);
     if (HasLength(files.newData, journal.dataLength) && newDirWaiting) {
@@ -145,8 +171,9 @@ FsError RemoveJournal(const RebuildFiles& files) {
 } // namespace
 
 std::string RebuildJournalText(const RebuildJournal& journal) {
-    return std::string(JournalHeader) + "\ndata " + std::to_string(journal.dataLength) + "\ndir " +
-           std::to_string(journal.dirLength) + " " + std::to_string(journal.dirChecksum) + "\n";
+    return std::string(JournalHeader) + "\ndata " + std::to_string(journal.dataLength) +
+           (journal.oneFile ? "\nrecords " : "\ndir ") + std::to_string(journal.dirLength) + " " +
+           std::to_string(journal.dirChecksum) + "\n";
 }
 
 std::optional<RebuildJournal> ParseRebuildJournal(std::string_view text) {
@@ -169,7 +196,8 @@ std::optional<RebuildJournal> ParseRebuildJournal(std::string_view text) {
     };
     const auto header = take("", '\n');
     const auto data = take("data ", '\n');
-    const auto dirLength = take("dir ", ' ');
+    const bool oneFile = text.starts_with("records ");
+    const auto dirLength = take(oneFile ? "records " : "dir ", ' ');
     const auto checksum = take("", '\n');
     if (!header || *header != JournalHeader || !data || !dirLength || !checksum || !text.empty()) {
         return std::nullopt;
@@ -180,7 +208,7 @@ std::optional<RebuildJournal> ParseRebuildJournal(std::string_view text) {
     if (!dataValue || !dirValue || !checksumValue) {
         return std::nullopt;
     }
-    return RebuildJournal{*dataValue, *dirValue, *checksumValue};
+    return RebuildJournal{*dataValue, *dirValue, *checksumValue, oneFile};
 }
 
 std::uint64_t DirectoryChecksum(std::string_view bytes) {
@@ -201,7 +229,8 @@ RebuildFiles RebuildFilesFor(const fs::path& dataPath, const fs::path& dirPath) 
             fs::path(dir.string() + ".korvel-new"),
             fs::path(data.string() + ".korvel-journal"),
             fs::path(data.string() + ".korvel-lock"),
-            fs::path(data.string() + ".korvel-old")};
+            fs::path(data.string() + ".korvel-old"),
+            fs::path(data.string() + ".korvel-records")};
 }
 
 std::optional<std::string> RecoverInterruptedRebuild(const fs::path& dataPath) {
@@ -211,16 +240,20 @@ std::optional<std::string> RecoverInterruptedRebuild(const fs::path& dataPath) {
         // either way its files are not ours to touch.
         return std::nullopt;
     }
-    const RebuildFiles files = RebuildFilesFor(dataPath, DirectoryPathFor(dataPath));
+    RebuildFiles files = RebuildFilesFor(dataPath, DirectoryPathFor(dataPath));
     RemoveQuietly(PartFor(files.journal));
     if (!Stands(files.journal)) {
         // No journal: the new pair was never complete.
         RemoveQuietly(files.newData);
         RemoveQuietly(files.newDir);
-        return std::nullopt;
+        return RecoverInterruptedRecordWrite(dataPath);
     }
     const auto bytes = ReadJournalBytes(files.journal);
     const auto journal = bytes ? ParseRebuildJournal(*bytes) : std::nullopt;
+    if (journal && journal->oneFile) {
+        // A one-file archive has no directory file: the data file is both.
+        files = RebuildFilesFor(dataPath, dataPath);
+    }
     const RenameProgress progress =
         journal ? ProgressOf(files, *journal) : RenameProgress::Mismatch;
     FsError error;
@@ -229,13 +262,16 @@ std::optional<std::string> RecoverInterruptedRebuild(const fs::path& dataPath) {
         error = RenameFile(files.newData, files.data);
         [[fallthrough]];
     case RenameProgress::DataDone:
-        if (error.empty()) {
+        if (error.empty() && !journal->oneFile) {
             error = RenameFile(files.newDir, files.dir);
         }
         [[fallthrough]];
     case RenameProgress::BothDone:
         if (error.empty()) {
             error = RemoveJournal(files);
+        }
+        if (error.empty()) {
+            return RecoverInterruptedRecordWrite(dataPath);
         }
         // Should that fail, the journal stays for next time.
         if (!error.empty()) {
@@ -267,10 +303,12 @@ void RemoveNewPair(const RebuildFiles& files) {
 // end of the data file keeps only the sectors that exist (zeros invented for
 // the rest could be terabytes); `cut` says which and how much went.
 // A stop asked for before the last piece is copied sets `stopped` and
-// returns at once; the caller removes the unfinished file.
-Status WriteNewData(const EntryTable& table, File& in, const fs::path& newData,
-                    const RebuildProgress& progress, std::vector<DirRecord>& records,
-                    std::vector<Status>& cut, bool& stopped) {
+// returns at once; the caller removes the unfinished file. Where the store
+// keeps the records in the data file, the data starts after them and they
+// are written at its start.
+Status WriteNewData(const EntryTable& table, const DirectoryStore& store, File& in,
+                    const fs::path& newData, const RebuildProgress& progress,
+                    std::vector<DirRecord>& records, std::vector<Status>& cut, bool& stopped) {
     File out;
     if (FsError error = out.open(newData, File::Mode::CreateTruncate); !error.empty()) {
         return Status::Failed(error);
@@ -293,7 +331,8 @@ Status WriteNewData(const EntryTable& table, File& in, const fs::path& newData,
     records.reserve(table.size());
     std::vector<CopySpan> spans;
     spans.reserve(table.size());
-    std::uint64_t running = 0; // in sectors
+    const std::uint64_t firstSector = store.firstDataSector(table.size());
+    std::uint64_t running = firstSector; // in sectors
     for (std::size_t row = 0; row < table.size(); ++row) {
         const Entry& entry = table[row];
         if (running > std::numeric_limits<std::uint32_t>::max()) {
@@ -312,7 +351,14 @@ Status WriteNewData(const EntryTable& table, File& in, const fs::path& newData,
     // The spans go in pieces of about CopyPieceBytes, so that a request to
     // stop is heard within a moment; each piece still gathers its spans into
     // large writes.
-    std::uint64_t outAt = 0;
+    std::uint64_t outAt = firstSector * SectorSize;
+    if (store.recordsInDataFile()) {
+        error = out.writeAt(0, store.encode(records));
+        if (error.empty()) {
+            error = FillWithZeros(out, OneFileRecordAreaBytes(records.size()),
+                                  outAt - OneFileRecordAreaBytes(records.size()));
+        }
+    }
     for (std::size_t first = 0; error.empty() && first < spans.size();) {
         if (StopAsked(progress.stop)) {
             stopped = true;
@@ -379,7 +425,7 @@ Status WriteJournal(const RebuildFiles& files, const RebuildJournal& journal) {
 }
 
 // Step 4: the renames. From here on the journal finishes what we don't.
-Status RenameNewPairIntoPlace(const RebuildFiles& files) {
+Status RenameNewPairIntoPlace(const RebuildFiles& files, bool dataFileOnly) {
     FsError error = Step("rebuild-journal-written");
     if (error.empty()) {
         error = RenameFile(files.newData, files.data);
@@ -387,7 +433,7 @@ Status RenameNewPairIntoPlace(const RebuildFiles& files) {
     if (error.empty()) {
         error = Step("rebuild-data-renamed");
     }
-    if (error.empty()) {
+    if (error.empty() && !dataFileOnly) {
         error = RenameFile(files.newDir, files.dir);
     }
     if (error.empty()) {
@@ -414,8 +460,12 @@ RebuildResult RebuildArchive(const Archive& archive, const RebuildProgress& prog
     }
     // Links are followed: the new pair is written beside the files they
     // point at and renamed over those, so the links stay links.
+    const DirectoryStore& store = DirectoryStoreOf(archive.kind());
     const RebuildFiles files = RebuildFilesFor(archive.dataPath(), archive.dirPath());
     RemoveNewPair(files); // nothing planted under our names is followed
+    // A record journal still standing is of records the rows already say;
+    // written again over the rebuilt file it would spoil it.
+    RemoveQuietly(files.records);
 
     // The old data file stays open until its replacement is in place, so that
     // freeing it happens when we close it, off the command's time.
@@ -424,11 +474,11 @@ RebuildResult RebuildArchive(const Archive& archive, const RebuildProgress& prog
     if (FsError error = in.open(files.data, File::Mode::Read); !error.empty()) {
         result.status = Status::Failed(error);
     } else {
-        result.status = WriteNewData(archive.table(), in, files.newData, progress, records,
+        result.status = WriteNewData(archive.table(), store, in, files.newData, progress, records,
                                      result.cut, result.stopped);
     }
-    const std::string newDirectory = EncodeDirectory(records);
-    if (result.status.ok() && !result.stopped) {
+    const std::string newDirectory = store.encode(records);
+    if (result.status.ok() && !result.stopped && !store.recordsInDataFile()) {
         if (progress.writingDirectory) {
             progress.writingDirectory();
         }
@@ -442,9 +492,10 @@ RebuildResult RebuildArchive(const Archive& archive, const RebuildProgress& prog
     if (result.status.ok() && !result.stopped) {
         const auto written = FileLength(files.newData);
         result.status =
-            written ? WriteJournal(files,
-                                   {*written, newDirectory.size(), DirectoryChecksum(newDirectory)})
-                    : Status::Failed("cannot read the size of " + files.newData.string());
+            written
+                ? WriteJournal(files, {*written, newDirectory.size(),
+                                       DirectoryChecksum(newDirectory), store.recordsInDataFile()})
+                : Status::Failed("cannot read the size of " + files.newData.string());
     }
     if (!result.status.ok() || result.stopped) {
         RemoveNewPair(files);
@@ -458,7 +509,7 @@ RebuildResult RebuildArchive(const Archive& archive, const RebuildProgress& prog
         (void)in.close();
     }
     result.reopen = true;
-    result.status = RenameNewPairIntoPlace(files);
+    result.status = RenameNewPairIntoPlace(files, store.recordsInDataFile());
     CloseInBackground(std::move(in));
     return result;
 }

@@ -22,17 +22,20 @@ struct RebuildFiles {
     std::filesystem::path journal;  // exists only while the new pair is complete
     std::filesystem::path lock;     // held by whoever changes the archive
     std::filesystem::path oldBytes; // an entry's old bytes while it is replaced in place
+    std::filesystem::path records;  // a one-file archive's new records while they are written
 };
 RebuildFiles RebuildFilesFor(const std::filesystem::path& dataPath,
                              const std::filesystem::path& dirPath);
 
 // What a journal says: the lengths of the new pair and a checksum of the new
-// directory file. It names no files, so what it says can only be checked
-// against the files beside it, never point anywhere else.
+// directory file; for a one-file archive, the new data file's length and the
+// length and checksum of the records at its start. It names no files, so what it says can only be
+// checked against the files beside it, never point anywhere else.
 struct RebuildJournal {
     std::uint64_t dataLength = 0;
     std::uint64_t dirLength = 0;
     std::uint64_t dirChecksum = 0;
+    bool oneFile = false;
     bool operator==(const RebuildJournal&) const = default;
 };
 // A journal is never longer than this; a longer file is not one of ours.

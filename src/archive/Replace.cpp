@@ -30,10 +30,14 @@ ReplaceResult Failed(const std::string& error) {
 }
 
 // Whether sectors [start, start + count) belong to the row alone. A damaged
-// record may claim sectors that other entries hold; writing there would
-// overwrite them.
-bool SectorsAreOwn(const EntryTable& table, std::size_t row, std::uint64_t start,
+// record may claim sectors that other entries hold, or that hold a one-file
+// archive's records; writing there would overwrite them.
+bool SectorsAreOwn(const Archive& archive, std::size_t row, std::uint64_t start,
                    std::uint64_t count) {
+    const EntryTable& table = archive.table();
+    if (start < archive.firstDataSector()) {
+        return false;
+    }
     for (std::size_t other = 0; other < table.size(); ++other) {
         const Entry& entry = table[other];
         if (other != row && entry.sizeSectors > 0 && entry.startSector < start + count &&
@@ -141,7 +145,13 @@ ReplaceResult ReplaceEntry(Archive& archive, std::size_t row, const std::string&
     }
 
     std::optional<OldBytes> oldBytes;
-    if (needed <= old.sizeSectors && SectorsAreOwn(table, row, old.startSector, needed)) {
+    if (Status tooLarge = archive.CheckEntrySectors(needed, path); !tooLarge.ok()) {
+        ReplaceResult result;
+        result.status = std::move(tooLarge);
+        return result;
+    }
+    const DataWriteScope writing(archive);
+    if (needed <= old.sizeSectors && SectorsAreOwn(archive, row, old.startSector, needed)) {
         // Fits in the entry's own sectors: the file, one zero byte, and the
         // rest of those sectors keeps its old bytes.
         oldBytes.emplace(RebuildFilesFor(archive.dataPath(), archive.dirPath()).oldBytes);
@@ -161,13 +171,13 @@ ReplaceResult ReplaceEntry(Archive& archive, std::size_t row, const std::string&
             table.setPlacement(row, old.startSector, static_cast<std::uint32_t>(needed));
         }
     } else {
-        const std::uint64_t offset = table.appendOffset();
+        const std::uint64_t offset = archive.appendOffset();
         const std::uint64_t newStart = offset / SectorSize;
         std::uint64_t oldLength = 0;
         if (FsError error = data.length(oldLength); !error.empty()) {
             return Failed(error);
         }
-        if (Status placed = CheckAppendPlacement(offset, needed, oldLength); !placed.ok()) {
+        if (Status placed = archive.CheckAppendAt(offset, needed, oldLength); !placed.ok()) {
             return Failed(placed.error());
         }
         FsError error = CopyRange(source, 0, data, offset, n);
@@ -189,6 +199,7 @@ ReplaceResult ReplaceEntry(Archive& archive, std::size_t row, const std::string&
         }
         return Failed(error);
     }
+    archive.dataWritten();
     if (Status written = archive.WriteDirectory(); !written.ok()) {
         // The old directory file is still in place: the row must say what it
         // says, and the entry's sectors must hold what it said.

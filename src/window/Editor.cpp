@@ -163,6 +163,8 @@ bool Editor::OpenArchive(const std::string& path) {
                                  MessageIcon::Information);
             break;
         case OpenFailure::Step::DirectoryUnreadable:
+            desktop_.ShowMessage(StatusText(settings_, failure->reason), "", MessageIcon::None);
+            break;
         case OpenFailure::Step::NotAnArchive:
             desktop_.ShowMessage(failure->detail, "", MessageIcon::None);
             break;

@@ -9,6 +9,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <functional>
+#include <map>
 
 namespace korvel::test {
 
@@ -190,6 +191,48 @@ TEST_F(EntryVerbs, CtrlCStopsAtASafePointAndExits130) {
         EXPECT_EQ(result.exitCode, 130);
         EXPECT_EQ(result.err, "korvel-cli: interrupted: " + says + "\n");
         EXPECT_EQ(pair(img), expected);
+    }
+}
+
+TEST_F(EntryVerbs, OneFileArchivesListAddCheckAndSurviveAKillWhileAddingOrRebuilding) {
+    // 63 records fill the one-file kind's first sector: adding one moves an entry.
+    std::vector<DirRecord> records{{0, 1, "car.dff"}, {1, 1, "CAR.DFF"}};
+    for (std::uint32_t i = 2; i < 63; ++i) {
+        records.push_back({i, 1, "fill" + std::to_string(i)});
+    }
+    const fs::path two = folder / "two.img", one = folder / "one.img";
+    WriteArchive(two, records, 63 * SectorSize);
+    const auto make = [&] { WriteOneFileTwin(two, one); };
+    make();
+    EXPECT_EQ(RunCli({"list", one.string()}).out.substr(0, 16), "car.dff\t800\t2kb\n");
+    EXPECT_EQ(RunCli({"check", one.string()}).out, RunCli({"check", two.string()}).out);
+    const std::string old = ListedBytes(one);
+    std::map<std::string, std::vector<std::string>> calls{
+        {"rebuild", {"rebuild", one.string()}}, {"add", {"add", one.string(), in("new.ifp")}}};
+    std::map<std::string, std::string> changed; // by verb, after an uninterrupted run
+    for (const auto& [verb, args] : calls) {
+        make();
+        ASSERT_EQ(RunCli(args).exitCode, 0);
+        changed[verb] = ListedBytes(one);
+    }
+    // clang-format off
+    const std::tuple<const char*, const char*, bool> kills[] = { // verb, step, changed
+        {"add", "copy", false}, {"add", "records-room-made", false}, {"add", "records-journal-part", false},
+        {"add", "records-journal-written", true}, {"add", "records-written", true},
+        {"rebuild", "rebuild-data-written", false}, {"rebuild", "rebuild-journal-part", false},
+        {"rebuild", "rebuild-journal-written", true}, {"rebuild", "rebuild-data-renamed", true}};
+    // clang-format on
+    for (const auto& [verb, step, done] : kills) {
+        SCOPED_TRACE(step);
+        make();
+        setenv("KORVEL_TEST_KILL_AT", step, 1);
+        EXPECT_EQ(RunCli(calls[verb]).exitCode, 128 + SIGKILL);
+        unsetenv("KORVEL_TEST_KILL_AT");
+        EXPECT_EQ(RunCli({"list", one.string()}).exitCode, 0);
+        EXPECT_EQ(ListedBytes(one), done ? changed[verb] : old);
+        for (const auto& item : fs::directory_iterator(folder.path())) {
+            EXPECT_EQ(item.path().filename().string().find(".korvel"), std::string::npos);
+        }
     }
 }
 

@@ -1,7 +1,8 @@
 // Every write path failed at its n-th write, flush and rename, for every n it
 // reaches: the archive that the next open finds reads as the old one or the
 // new one, byte for byte, korvel.ini is the old file or the new one, and no
-// temporary file is left.
+// temporary file is left. The same for the one-file twin of the archive, whose
+// records fill their sector, so that adding grows them.
 #include "TestFolder.h"
 #include "archive/EntryOperations.h"
 #include "archive/Marker.h"
@@ -43,18 +44,11 @@ TEST(FaultInjection, EveryWritePathLeavesTheOldArchiveOrTheNewOne) {
             const bool ours = item.path().filename().string().find(".korvel") != std::string::npos;
             EXPECT_FALSE(ours && fs::remove(item.path())); // so no fault spills into the next)
         }
-        // The directory file and each listed entry's sectors: bytes no record
-        // lists (an append that failed) belong to neither archive.
-        const std::string data = ReadBytes(img), records = ReadBytes(dir);
-        std::string read = ReadBytes(ini) + "#" + records;
-        for (const DirRecord& r : DecodeDirectory(records)) {
-            std::string bytes =
-                data.substr(std::min<std::size_t>(data.size(), SectorToOffset(r.startSector)),
-                            SectorToOffset(r.sizeSectors));
-            read += "|" + bytes.append(SectorToOffset(r.sizeSectors) - bytes.size(), '\0');
-        }
-        return read;
+        // The records and each listed entry's sectors: bytes no record lists
+        // (an append that failed) belong to neither archive.
+        return ReadBytes(ini) + "#" + ListedBytes(img);
     };
+    bool oneFile = false;
     // The next open after failing the n-th step of `kind`; `reached` counts steps.
     const auto attempt = [&](const std::function<void(Archive&)>& run, std::string_view kind, int n,
                              std::map<std::string, int>& reached) {
@@ -62,8 +56,15 @@ TEST(FaultInjection, EveryWritePathLeavesTheOldArchiveOrTheNewOne) {
         WriteBytes(in / "new.ifp", std::string(3000, 'n'));
         WriteBytes(in / "bus.txd", "small bus");
         WriteBytes(in / "car.dff", std::string(5000, 'c'));
-        WriteArchive(img, {{2, 1, "car.dff"}, {0, 2, "bus.txd"}, {3, 1, "gap.col"}},
-                     5 * SectorSize);
+        std::vector<DirRecord> records{{2, 1, "car.dff"}, {0, 2, "bus.txd"}, {3, 1, "gap.col"}};
+        for (std::uint32_t i = 0; oneFile && records.size() < 63; ++i) {
+            records.push_back({5 + i, 1, "fill" + std::to_string(i)});
+        }
+        WriteArchive(img, records, (5 + records.size()) * SectorSize);
+        if (oneFile) {
+            WriteOneFileTwin(img, img);
+            fs::remove(dir);
+        }
         Settings(ini, KORVEL_LANG_INI).WriteSetting("old", "recent1");
         Archive archive, reopened;
         EXPECT_FALSE(OpenArchiveFiles(archive, img.string()).has_value());
@@ -76,7 +77,12 @@ TEST(FaultInjection, EveryWritePathLeavesTheOldArchiveOrTheNewOne) {
         EXPECT_FALSE(OpenArchiveFiles(reopened, img.string()).has_value());
         return state();
     };
+    auto runs = paths; // and each again on the one-file twin
     for (const auto& [name, run] : paths) {
+        runs["one-file " + name] = run;
+    }
+    for (const auto& [name, run] : runs) {
+        oneFile = name.starts_with("one-file");
         std::map<std::string, int> reached, ignored; // steps of the clean run; ignored
         const std::string after = attempt(run, {}, 0, reached);
         const std::string before = attempt([](Archive&) {}, {}, 0, ignored);
@@ -87,6 +93,7 @@ TEST(FaultInjection, EveryWritePathLeavesTheOldArchiveOrTheNewOne) {
                 std::map<std::string, int> counting;
                 const std::string found = attempt(run, kind, n, counting);
                 EXPECT_TRUE(found == before || found == after);
+                EXPECT_EQ(fs::exists(dir), !oneFile);
             }
         }
     }

@@ -82,4 +82,32 @@ void WriteArchive(const fs::path& img, const std::vector<DirRecord>& records,
     WriteBytes(dir, EncodeDirectory(records));
 }
 
+void WriteOneFileTwin(const fs::path& img, const fs::path& twin) {
+    std::vector<DirRecord> records =
+        DecodeDirectory(ReadBytes(fs::path(img).replace_extension(".dir")));
+    const std::uint64_t first = OneFileFirstDataSector(records.size());
+    for (DirRecord& record : records) {
+        record.startSector += static_cast<std::uint32_t>(first);
+    }
+    std::string bytes = EncodeOneFileRecordArea(records);
+    bytes.resize(first * SectorSize, '\0');
+    WriteBytes(twin, bytes + ReadBytes(img));
+}
+
+std::string ListedBytes(const fs::path& img) {
+    const std::string data = ReadBytes(img);
+    const auto count = OneFileRecordCount(data);
+    std::string listed = count ? data.substr(0, OneFileRecordAreaBytes(*count))
+                               : ReadBytes(fs::path(img).replace_extension(".dir"));
+    const auto records =
+        count ? DecodeOneFileRecords(listed.substr(OneFileHeaderSize)) : DecodeDirectory(listed);
+    for (const DirRecord& r : records) {
+        std::string bytes =
+            data.substr(std::min<std::size_t>(data.size(), SectorToOffset(r.startSector)),
+                        SectorToOffset(r.sizeSectors));
+        listed += "|" + bytes.append(SectorToOffset(r.sizeSectors) - bytes.size(), '\0');
+    }
+    return listed;
+}
+
 } // namespace korvel::test

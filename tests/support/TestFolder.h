@@ -46,5 +46,11 @@ void WriteBytes(const std::filesystem::path& file, const std::string& bytes);
 // bytes filled with a pattern that differs per sector.
 void WriteArchive(const std::filesystem::path& img, const std::vector<DirRecord>& records,
                   std::uint64_t dataBytes);
+// Writes at `twin` the one-file archive that lists what the two-file archive
+// `img` lists: the same records moved behind the record area, the same data.
+void WriteOneFileTwin(const std::filesystem::path& img, const std::filesystem::path& twin);
+// What an archive of either kind says on disk: its raw records, then the
+// bytes of each record's sectors (zeros past the end of the data file).
+std::string ListedBytes(const std::filesystem::path& img);
 
 } // namespace korvel::test
