@@ -3,6 +3,7 @@
 // then says it is complete, the two renames follow, and the journal goes. An
 // interruption at any moment leaves the old archive or, once the journal
 // exists, one that the next open completes: never a mix, never neither.
+#include "archive/CompactCopy.h"
 #include "archive/EntryFiles.h"
 #include "archive/EntryOperations.h"
 #include "archive/RebuildJournal.h"
@@ -252,25 +253,18 @@ std::optional<std::string> RecoverInterruptedRebuild(const fs::path& dataPath) {
 }
 
 namespace {
-
 constexpr std::uint64_t CopyPieceBytes = 4 * SpanWindow;
+} // namespace
 
-// Removes what a rebuild that stopped before its journal leaves behind.
 void RemoveNewPair(const RebuildFiles& files) {
     RemoveQuietly(files.newData);
     RemoveQuietly(files.newDir);
     RemoveQuietly(PartFor(files.journal));
 }
 
-// Step 1: the new data file, every row's sectors back to back in row order,
-// and the records that say where each now lies. A record reaching past the
-// end of the data file keeps only the sectors that exist (zeros invented for
-// the rest could be terabytes); `cut` says which and how much went.
-// A stop asked for before the last piece is copied sets `stopped` and
-// returns at once; the caller removes the unfinished file.
 Status WriteNewData(const EntryTable& table, File& in, const fs::path& newData,
                     const RebuildProgress& progress, std::vector<DirRecord>& records,
-                    std::vector<Status>& cut, bool& stopped) {
+                    std::vector<Status>& cut, bool& stopped, const CopyLayout& layout) {
     File out;
     if (FsError error = out.open(newData, File::Mode::CreateTruncate); !error.empty()) {
         return Status::Failed(error);
@@ -281,7 +275,11 @@ Status WriteNewData(const EntryTable& table, File& in, const fs::path& newData,
     }
     std::vector<std::uint32_t> present;
     present.reserve(table.size());
-    KeepOwnerAndModeOf(out.fd(), in.fd());
+    if (layout.modeFrom) {
+        KeepOwnerAndMode(out.fd(), *layout.modeFrom);
+    } else {
+        KeepOwnerAndModeOf(out.fd(), in.fd());
+    }
     std::uint64_t total = 0;
     for (const Entry& entry : table.rows()) {
         present.push_back(SectorsPresent(entry, dataLength));
@@ -293,7 +291,7 @@ Status WriteNewData(const EntryTable& table, File& in, const fs::path& newData,
     records.reserve(table.size());
     std::vector<CopySpan> spans;
     spans.reserve(table.size());
-    std::uint64_t running = 0; // in sectors
+    std::uint64_t running = layout.firstSector; // in sectors
     for (std::size_t row = 0; row < table.size(); ++row) {
         const Entry& entry = table[row];
         if (running > std::numeric_limits<std::uint32_t>::max()) {
@@ -312,7 +310,7 @@ Status WriteNewData(const EntryTable& table, File& in, const fs::path& newData,
     // The spans go in pieces of about CopyPieceBytes, so that a request to
     // stop is heard within a moment; each piece still gathers its spans into
     // large writes.
-    std::uint64_t outAt = 0;
+    std::uint64_t outAt = SectorToOffset(layout.firstSector);
     for (std::size_t first = 0; error.empty() && first < spans.size();) {
         if (StopAsked(progress.stop)) {
             stopped = true;
@@ -333,6 +331,9 @@ Status WriteNewData(const EntryTable& table, File& in, const fs::path& newData,
         outAt += pieceBytes;
         first = end;
     }
+    if (error.empty() && layout.head) {
+        error = out.writeAt(0, layout.head(records));
+    }
     if (error.empty()) {
         error = Step("rebuild-data-written");
     }
@@ -345,7 +346,6 @@ Status WriteNewData(const EntryTable& table, File& in, const fs::path& newData,
     return error.empty() ? Status::Ok() : Status::Failed(error);
 }
 
-// Step 2: the new directory file, flushed with its folder.
 Status WriteNewDirectory(const std::string& bytes, const RebuildFiles& files) {
     FsError error = WriteSynced(files.newDir, bytes, files.dir);
     if (error.empty()) {
@@ -357,8 +357,6 @@ Status WriteNewDirectory(const std::string& bytes, const RebuildFiles& files) {
     return error.empty() ? Status::Ok() : Status::Failed(error);
 }
 
-// Step 3: the journal, written whole under another name and renamed, so it
-// exists only once it says everything.
 Status WriteJournal(const RebuildFiles& files, const RebuildJournal& journal) {
     const fs::path part = PartFor(files.journal);
     FsError error = WriteSynced(part, RebuildJournalText(journal), {});
@@ -378,7 +376,6 @@ Status WriteJournal(const RebuildFiles& files, const RebuildJournal& journal) {
     return Status::Ok();
 }
 
-// Step 4: the renames. From here on the journal finishes what we don't.
 Status RenameNewPairIntoPlace(const RebuildFiles& files) {
     FsError error = Step("rebuild-journal-written");
     if (error.empty()) {
@@ -398,8 +395,6 @@ Status RenameNewPairIntoPlace(const RebuildFiles& files) {
     }
     return error.empty() ? Status::Ok() : Status::Failed(error);
 }
-
-} // namespace
 
 RebuildResult RebuildArchive(const Archive& archive, const RebuildProgress& progress) {
     RebuildResult result;

@@ -66,4 +66,35 @@ TEST(Cli, EachCallPrintsItsOutputOrOneErrorLineWithItsExitCode) {
     EXPECT_FALSE(std::filesystem::exists(folder / "korvel.ini"));
 }
 
+TEST(Cli, NewOneFileAndConvertWriteTheOtherKind) {
+    TestFolder folder;
+    const auto path = [&](const char* name) { return (folder / name).string(); };
+    const std::string src = path("src.img");
+    WriteArchive(src, {{0, 1, "a.dff"}, {1, 1, "b.txd"}}, 2 * SectorSize);
+    const struct Case {
+        std::vector<std::string> args;
+        int exitCode;
+        std::string error;
+    } cases[] = {
+        {{"new", path("sa.img"), "--one-file"}, 0, ""},
+        {{"new", "--one-file", path("sa.img")}, 1, "--force"},
+        {{"convert", src, path("one"), "--one-file"}, 0, ""}, // gets ".img"
+        {{"convert", src, path("one.img"), "--one-file"}, 1, "--force"},
+        {{"convert", src, path("two.img"), "--one-file", "--two-file"}, 1, "exactly one"},
+        {{"convert", src, path("two.img")}, 1, "exactly one"},
+        {{"convert", src, src, "--two-file", "--force"}, 1, "src.img"},
+        {{"convert", src}, 2, "usage"},
+    };
+    for (const Case& c : cases) {
+        const auto result = RunCli(c.args);
+        EXPECT_EQ(result.exitCode, c.exitCode) << c.error << result.err;
+        EXPECT_NE(result.err.find(c.error), std::string::npos) << result.err;
+    }
+    EXPECT_EQ(ReadBytes(path("sa.img")), std::string("VER2", 4) + std::string(2044, '\0'));
+    EXPECT_EQ(ReadBytes(path("one.img")).substr(0, 8), std::string("VER2\2\0\0\0", 8));
+    EXPECT_EQ(ReadBytes(path("one.img")).substr(SectorSize), ReadBytes(src));
+    EXPECT_FALSE(std::filesystem::exists(path("sa.dir")) ||
+                 std::filesystem::exists(path("two.img")));
+}
+
 } // namespace korvel::test
