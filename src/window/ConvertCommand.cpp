@@ -27,9 +27,10 @@ void ConvertArchiveAsking(Editor& editor) {
                                    : ArchiveKind::TwoFile;
     const std::string& source = editor.dataPath();
     const std::size_t slash = source.find_last_of("/\\");
+    const std::string title =
+        editor.text(target == ArchiveKind::OneFile ? "convertToOne" : "convertToTwo");
     const FileDialogAnswer answer = desktop.SaveFileDialog(
-        {editor.text(target == ArchiveKind::OneFile ? "convertToOne" : "convertToTwo"),
-         editor.text("cdFiles1"), slash == std::string::npos ? "" : source.substr(0, slash),
+        {title, editor.text("cdFiles1"), slash == std::string::npos ? "" : source.substr(0, slash),
          ConvertedArchiveName(source, target), false});
     if (!answer.chosen() || answer.paths.front().empty()) {
         return;
@@ -73,8 +74,7 @@ void ConvertArchiveAsking(Editor& editor) {
         said += "\r\n" + editor.text("convertCut");
     }
     desktop.SetStatus(editor.text("convertDone") + " " + path);
-    if (desktop.AskYesNo(said + "\r\n\r\n" + editor.text("convertOpen"),
-                         editor.settings().LookupPlainText("menuConvert"))) {
+    if (desktop.AskYesNo(said + "\r\n\r\n" + editor.text("convertOpen"), title)) {
         editor.OpenArchive(path);
     }
 }
