@@ -387,10 +387,9 @@ std::string NewArchiveDataPath(const std::string& chosen) {
 
 namespace {
 
-std::vector<std::string> ExistingOf(const std::string& dataPath,
-                                    const std::filesystem::path& dirPath) {
+std::vector<std::string> ExistingOf(const std::vector<std::string>& files) {
     std::vector<std::string> existing;
-    for (const std::string& path : {dataPath, dirPath.string()}) {
+    for (const std::string& path : files) {
         std::error_code ec;
         if (std::filesystem::exists(std::filesystem::symlink_status(path, ec))) {
             existing.push_back(path);
@@ -411,26 +410,34 @@ bool IsConfirmed(const std::string& path, const std::vector<std::string>& confir
 
 } // namespace
 
-std::vector<std::string> FilesNewArchiveWouldEmpty(const std::string& dataPath) {
-    return ExistingOf(dataPath, DirectoryPathFor(dataPath));
+std::vector<std::string> NewArchiveFiles(const std::string& dataPath, ArchiveKind kind) {
+    if (kind == ArchiveKind::OneFile) {
+        return {dataPath};
+    }
+    return {dataPath, DirectoryPathFor(dataPath).string()};
+}
+
+std::vector<std::string> FilesNewArchiveWouldEmpty(const std::string& dataPath, ArchiveKind kind) {
+    return ExistingOf(NewArchiveFiles(dataPath, kind));
 }
 
 Status CreateEmptyArchive(const std::string& dataPath, const std::vector<std::string>& confirmed,
-                          std::string& openPath) {
-    if (DirectoryIsDataFile(dataPath)) {
+                          std::string& openPath, ArchiveKind kind) {
+    if (kind == ArchiveKind::TwoFile && DirectoryIsDataFile(dataPath)) {
         return Status::Failed("cannot create " + dataPath +
                                   ": its directory file would be the data file itself",
                               "dirIsData", {dataPath});
     }
     const std::filesystem::path dirPath = DirectoryPathFor(dataPath);
-    for (const std::string& file : ExistingOf(dataPath, dirPath)) {
+    const std::vector<std::string> files = NewArchiveFiles(dataPath, kind);
+    for (const std::string& file : ExistingOf(files)) {
         if (!IsConfirmed(file, confirmed)) {
             return Status::Failed("cannot create " + dataPath + ": it would empty " + file +
                                       ", which was not confirmed",
                                   "emptyNotConfirmed", {dataPath, file});
         }
     }
-    for (const std::string& path : {dataPath, dirPath.string()}) {
+    for (const std::string& path : files) {
         File file;
         const OutputOpen opened = OpenOutputFile(
             file, path, {},
@@ -439,7 +446,16 @@ Status CreateEmptyArchive(const std::string& dataPath, const std::vector<std::st
             return Status::Failed(opened.refused ? opened.error
                                                  : "cannot create " + path + ": " + opened.error);
         }
-        if (FsError error = file.close(); !error.empty()) {
+        FsError error;
+        if (kind == ArchiveKind::OneFile) {
+            std::string header = EncodeOneFileRecordArea({});
+            header.resize(OneFileFirstDataSector(0) * SectorSize, '\0');
+            error = file.writeAt(0, header);
+        }
+        if (error.empty()) {
+            error = file.close();
+        }
+        if (!error.empty()) {
             return Status::Failed("cannot create " + path + ": " + error);
         }
     }

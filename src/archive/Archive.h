@@ -29,6 +29,7 @@ public:
     // archive, the data file itself for a one-file archive (so whatever
     // names "the directory file" names the file whose records it means).
     const std::string& dirPath() const { return dirPath_; }
+    // Which kind of archive is open: where its directory lives.
     ArchiveKind kind() const { return kind_; }
     bool isOpen() const { return dataPath_ != NoPath; }
     EntryTable& table() { return table_; }
@@ -184,11 +185,17 @@ std::string NewArchiveDataPath(const std::string& chosen);
 // True when the directory file of `dataPath` would be the data file itself.
 bool DirectoryIsDataFile(const std::string& dataPath);
 
+// The files a new archive of `kind` at `dataPath` consists of: the data file,
+// and for a two-file archive the directory file found for it.
+std::vector<std::string> NewArchiveFiles(const std::string& dataPath, ArchiveKind kind);
+
 // The existing files a new archive at `dataPath` would empty: the data file
-// and the directory file found for it, which may be another archive's (in a
-// folder holding "LOWER.IMG" and "lower.dir", a new "lower.img" finds
-// "lower.dir"). The person must confirm exactly these.
-std::vector<std::string> FilesNewArchiveWouldEmpty(const std::string& dataPath);
+// and, for a two-file archive, the directory file found for it, which may be
+// another archive's (in a folder holding "LOWER.IMG" and "lower.dir", a new
+// "lower.img" finds "lower.dir"). A one-file archive leaves a directory file
+// beside it alone. The person must confirm exactly these.
+std::vector<std::string> FilesNewArchiveWouldEmpty(const std::string& dataPath,
+                                                   ArchiveKind kind = ArchiveKind::TwoFile);
 
 // Creates an empty archive and returns the path to open it under; `dataPath`
 // is a NewArchiveDataPath. An existing file is cut to nothing only when it is
@@ -196,8 +203,10 @@ std::vector<std::string> FilesNewArchiveWouldEmpty(const std::string& dataPath);
 // other existing file of FilesNewArchiveWouldEmpty makes it fail before
 // anything changes, and one appearing meanwhile is not touched. A link, FIFO,
 // device or folder is never written through. On failure the status says
-// what could not be created.
+// what could not be created. A one-file archive is its data file alone: one
+// sector holding the header of no records, which is also where the first
+// entry's data will start.
 Status CreateEmptyArchive(const std::string& dataPath, const std::vector<std::string>& confirmed,
-                          std::string& openPath);
+                          std::string& openPath, ArchiveKind kind = ArchiveKind::TwoFile);
 
 } // namespace korvel

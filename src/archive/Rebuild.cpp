@@ -3,6 +3,7 @@
 // then says it is complete, the two renames follow, and the journal goes. An
 // interruption at any moment leaves the old archive or, once the journal
 // exists, one that the next open completes: never a mix, never neither.
+#include "archive/CompactCopy.h"
 #include "archive/DirectoryStore.h"
 #include "archive/EntryFiles.h"
 #include "archive/EntryOperations.h"
@@ -288,27 +289,19 @@ std::optional<std::string> RecoverInterruptedRebuild(const fs::path& dataPath) {
 }
 
 namespace {
-
 constexpr std::uint64_t CopyPieceBytes = 4 * SpanWindow;
+} // namespace
 
-// Removes what a rebuild that stopped before its journal leaves behind.
 void RemoveNewPair(const RebuildFiles& files) {
     RemoveQuietly(files.newData);
     RemoveQuietly(files.newDir);
     RemoveQuietly(PartFor(files.journal));
 }
 
-// Step 1: the new data file, every row's sectors back to back in row order,
-// and the records that say where each now lies. A record reaching past the
-// end of the data file keeps only the sectors that exist (zeros invented for
-// the rest could be terabytes); `cut` says which and how much went.
-// A stop asked for before the last piece is copied sets `stopped` and
-// returns at once; the caller removes the unfinished file. Where the store
-// keeps the records in the data file, the data starts after them and they
-// are written at its start.
 Status WriteNewData(const EntryTable& table, const DirectoryStore& store, File& in,
                     const fs::path& newData, const RebuildProgress& progress,
-                    std::vector<DirRecord>& records, std::vector<Status>& cut, bool& stopped) {
+                    std::vector<DirRecord>& records, std::vector<Status>& cut, bool& stopped,
+                    const std::optional<fs::path>& modeFrom) {
     File out;
     if (FsError error = out.open(newData, File::Mode::CreateTruncate); !error.empty()) {
         return Status::Failed(error);
@@ -319,7 +312,11 @@ Status WriteNewData(const EntryTable& table, const DirectoryStore& store, File& 
     }
     std::vector<std::uint32_t> present;
     present.reserve(table.size());
-    KeepOwnerAndModeOf(out.fd(), in.fd());
+    if (modeFrom) {
+        KeepOwnerAndMode(out.fd(), *modeFrom);
+    } else {
+        KeepOwnerAndModeOf(out.fd(), in.fd());
+    }
     std::uint64_t total = 0;
     for (const Entry& entry : table.rows()) {
         present.push_back(SectorsPresent(entry, dataLength));
@@ -391,7 +388,6 @@ Status WriteNewData(const EntryTable& table, const DirectoryStore& store, File& 
     return error.empty() ? Status::Ok() : Status::Failed(error);
 }
 
-// Step 2: the new directory file, flushed with its folder.
 Status WriteNewDirectory(const std::string& bytes, const RebuildFiles& files) {
     FsError error = WriteSynced(files.newDir, bytes, files.dir);
     if (error.empty()) {
@@ -403,8 +399,6 @@ Status WriteNewDirectory(const std::string& bytes, const RebuildFiles& files) {
     return error.empty() ? Status::Ok() : Status::Failed(error);
 }
 
-// Step 3: the journal, written whole under another name and renamed, so it
-// exists only once it says everything.
 Status WriteJournal(const RebuildFiles& files, const RebuildJournal& journal) {
     const fs::path part = PartFor(files.journal);
     FsError error = WriteSynced(part, RebuildJournalText(journal), {});
@@ -424,7 +418,6 @@ Status WriteJournal(const RebuildFiles& files, const RebuildJournal& journal) {
     return Status::Ok();
 }
 
-// Step 4: the renames. From here on the journal finishes what we don't.
 Status RenameNewPairIntoPlace(const RebuildFiles& files, bool dataFileOnly) {
     FsError error = Step("rebuild-journal-written");
     if (error.empty()) {
@@ -445,7 +438,42 @@ Status RenameNewPairIntoPlace(const RebuildFiles& files, bool dataFileOnly) {
     return error.empty() ? Status::Ok() : Status::Failed(error);
 }
 
-} // namespace
+CompactCopy PrepareCompactCopy(const EntryTable& table, const DirectoryStore& store, File& in,
+                               const RebuildFiles& files, const RebuildProgress& progress,
+                               const std::optional<fs::path>& modeFrom) {
+    CompactCopy copy;
+    RemoveNewPair(files); // nothing planted under our names is followed
+    std::vector<DirRecord> records;
+    copy.status = WriteNewData(table, store, in, files.newData, progress, records, copy.cut,
+                               copy.stopped, modeFrom);
+    const std::string newDirectory = store.encode(records);
+    if (copy.status.ok() && !copy.stopped && !store.recordsInDataFile()) {
+        if (progress.writingDirectory) {
+            progress.writingDirectory();
+        }
+        copy.status = WriteNewDirectory(newDirectory, files);
+    }
+    // The last moment a stop leaves everything as it was: once the journal
+    // exists the new files take their places.
+    if (copy.status.ok() && !copy.stopped && StopAsked(progress.stop)) {
+        copy.stopped = true;
+    }
+    if (copy.status.ok() && !copy.stopped) {
+        const auto written = FileLength(files.newData);
+        copy.status =
+            written
+                ? WriteJournal(files, {*written, newDirectory.size(),
+                                       DirectoryChecksum(newDirectory), store.recordsInDataFile()})
+                : Status::Failed("cannot read the size of " + files.newData.string());
+    }
+    if (!copy.status.ok() || copy.stopped) {
+        RemoveNewPair(files);
+        if (copy.stopped) {
+            copy.cut.clear(); // nothing was copied, so nothing was cut
+        }
+    }
+    return copy;
+}
 
 RebuildResult RebuildArchive(const Archive& archive, const RebuildProgress& progress) {
     RebuildResult result;
@@ -462,7 +490,6 @@ RebuildResult RebuildArchive(const Archive& archive, const RebuildProgress& prog
     // point at and renamed over those, so the links stay links.
     const DirectoryStore& store = DirectoryStoreOf(archive.kind());
     const RebuildFiles files = RebuildFilesFor(archive.dataPath(), archive.dirPath());
-    RemoveNewPair(files); // nothing planted under our names is followed
     // A record journal still standing is of records the rows already say;
     // written again over the rebuilt file it would spoil it.
     RemoveQuietly(files.records);
@@ -470,38 +497,15 @@ RebuildResult RebuildArchive(const Archive& archive, const RebuildProgress& prog
     // The old data file stays open until its replacement is in place, so that
     // freeing it happens when we close it, off the command's time.
     File in;
-    std::vector<DirRecord> records;
     if (FsError error = in.open(files.data, File::Mode::Read); !error.empty()) {
         result.status = Status::Failed(error);
-    } else {
-        result.status = WriteNewData(archive.table(), store, in, files.newData, progress, records,
-                                     result.cut, result.stopped);
+        return result;
     }
-    const std::string newDirectory = store.encode(records);
-    if (result.status.ok() && !result.stopped && !store.recordsInDataFile()) {
-        if (progress.writingDirectory) {
-            progress.writingDirectory();
-        }
-        result.status = WriteNewDirectory(newDirectory, files);
-    }
-    // The last moment a stop leaves the old archive as it was: once the
-    // journal exists the new pair takes its place.
-    if (result.status.ok() && !result.stopped && StopAsked(progress.stop)) {
-        result.stopped = true;
-    }
-    if (result.status.ok() && !result.stopped) {
-        const auto written = FileLength(files.newData);
-        result.status =
-            written
-                ? WriteJournal(files, {*written, newDirectory.size(),
-                                       DirectoryChecksum(newDirectory), store.recordsInDataFile()})
-                : Status::Failed("cannot read the size of " + files.newData.string());
-    }
+    CompactCopy copy = PrepareCompactCopy(archive.table(), store, in, files, progress, {});
+    result.status = copy.status;
+    result.cut = std::move(copy.cut);
+    result.stopped = copy.stopped;
     if (!result.status.ok() || result.stopped) {
-        RemoveNewPair(files);
-        if (result.stopped) {
-            result.cut.clear(); // nothing was rebuilt, so nothing was cut
-        }
         return result;
     }
 

@@ -67,7 +67,7 @@ private:
 std::optional<std::vector<std::size_t>>
 NamedRows(const EntryTable& table, const std::vector<std::string>& names, bool allWhenNone);
 
-void AddArchiveVerbs(VerbTable& verbs); // list, new
+void AddArchiveVerbs(VerbTable& verbs); // list, new, convert
 // extract, add, replace, rename, lowercase, delete, move-to-end, rebuild
 void AddEntryVerbs(VerbTable& verbs);
 void AddFindVerbs(VerbTable& verbs);    // find, find-in, check, report

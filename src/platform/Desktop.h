@@ -4,6 +4,7 @@
 // stderr and fixed answers. All text crossing it is UTF-8.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -26,6 +27,9 @@ struct FileDialogAnswer {
     enum class Outcome { Chosen, Cancelled, Failed };
     Outcome outcome = Outcome::Cancelled;
     std::vector<std::string> paths; // full paths, when chosen
+    // Which of the request's file types (its filter's parts between ";;",
+    // from 0) was selected when the dialog closed.
+    std::size_t filterIndex = 0;
 
     bool chosen() const { return outcome == Outcome::Chosen && !paths.empty(); }
 };

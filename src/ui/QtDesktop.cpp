@@ -303,6 +303,8 @@ FileDialogAnswer QtDesktop::fileDialog(const FileDialogRequest& request, bool sa
         answer.paths.push_back(path.toStdString());
     }
     answer.outcome = FileDialogAnswer::Outcome::Chosen;
+    const qsizetype filter = dialog.nameFilters().indexOf(dialog.selectedNameFilter());
+    answer.filterIndex = filter < 0 ? 0 : static_cast<std::size_t>(filter);
     return answer;
 }
 

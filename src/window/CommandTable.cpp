@@ -1,5 +1,6 @@
 #include "window/CommandTable.h"
 
+#include "window/ConvertCommand.h"
 #include "window/DesktopCommands.h"
 #include "window/Editor.h"
 #include "window/EntryCommands.h"
@@ -47,6 +48,7 @@ std::vector<MenuCommand> BuildCommandTable(const CommandTargets& targets) {
         {"ComRename", [&entries] { entries.RenameSelectedWithDialog(); }},
         {"ComMove", [&entries] { entries.MoveSelectedToEnd(); }},
         {"ComRebuild", [&entries] { entries.RebuildAsking(); }},
+        {"ComConvert", [&editor] { ConvertArchiveAsking(editor); }},
         // Options
         {"SortOffset", [&main] { main.SortByIndex(); }},
         {"SortName", [&main] { main.SortByName(); }},

@@ -26,6 +26,11 @@ std::string Editor::WindowTitle() const {
     if (!isOpen()) {
         return " Korvel";
     }
+    // The classic two-file kind keeps its plain title; only the other kind
+    // is named.
+    if (archive_.kind() == ArchiveKind::OneFile) {
+        return ArchiveFileName() + " (" + text("kindOneFile") + ") \u2014 Korvel";
+    }
     return ArchiveFileName() + " \u2014 Korvel";
 }
 
@@ -277,9 +282,20 @@ void Editor::OfferRebuild() {
     }
 }
 
+bool Editor::ConfirmEmptying(const std::vector<std::string>& files) {
+    if (files.empty()) {
+        return true;
+    }
+    std::string question = text("fe1");
+    for (const std::string& file : files) {
+        question += (&file == &files.front() ? " " : "\n") + file;
+    }
+    return desktop_.AskDestructive(question + "\n" + text("fe2"), text("fe3"));
+}
+
 void Editor::NewArchiveAskingPath() {
     const FileDialogAnswer answer =
-        desktop_.SaveFileDialog({text("newArc1"), text("cdFiles1"), "", "", false});
+        desktop_.SaveFileDialog({text("newArc1"), text("newKinds"), "", "", false});
     if (answer.outcome == FileDialogAnswer::Outcome::Failed) {
         desktop_.SetStatus(text("newArc3"));
         return;
@@ -288,20 +304,17 @@ void Editor::NewArchiveAskingPath() {
         return;
     }
     const std::string path = NewArchiveDataPath(answer.paths.front());
+    // The dialog's second file type is the one-file kind; the first, the
+    // classic pair, is what it offers unless the person picks the other.
+    const ArchiveKind kind = answer.filterIndex == 1 ? ArchiveKind::OneFile : ArchiveKind::TwoFile;
     // Every file that would be emptied is named, the directory file too: it
     // may be another archive's.
-    const std::vector<std::string> emptied = FilesNewArchiveWouldEmpty(path);
-    if (!emptied.empty()) {
-        std::string question = text("fe1");
-        for (const std::string& file : emptied) {
-            question += (&file == &emptied.front() ? " " : "\n") + file;
-        }
-        if (!desktop_.AskDestructive(question + "\n" + text("fe2"), text("fe3"))) {
-            return;
-        }
+    const std::vector<std::string> emptied = FilesNewArchiveWouldEmpty(path, kind);
+    if (!ConfirmEmptying(emptied)) {
+        return;
     }
     std::string openPath;
-    if (!CreateEmptyArchive(path, emptied, openPath).ok()) {
+    if (!CreateEmptyArchive(path, emptied, openPath, kind).ok()) {
         desktop_.SetStatus(text("newArc3"));
         return;
     }

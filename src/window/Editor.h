@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace korvel {
 
@@ -77,6 +78,10 @@ public:
     void ReloadArchive();
     void CloseArchive();
     void NewArchiveAskingPath();
+    // Asks before a new archive empties or replaces existing files, naming
+    // every one (a directory file found may be another archive's); true
+    // when there are none or the person agreed.
+    bool ConfirmEmptying(const std::vector<std::string>& files);
 
     // `archiveState` in korvel.ini: whether the archive changed (a delete or a
     // move left unused space) since it was last rebuilt.

@@ -64,10 +64,11 @@ void MenuState::setShortcut(std::string_view name, std::string shortcut) {
 
 const std::vector<std::string>& ArchiveCommandNames() {
     static const std::vector<std::string> names = {
-        "FileReload", "FileClose", "EditAdd",    "EditExtract", "ComDel",           "ComRename",
-        "ComReplace", "ComMove",   "ComRebuild", "EditView",    "EditSelect",       "EditFind",
-        "EditSave",   "EditQuick", "ComCheck",   "EditLowCase", "EditInsertMarker", "ConvLFName",
-        "ShowMe",     "arcReport", "MenuLCase",  "EditFindIn",  "CmdGroupReplace",  "edSel"};
+        "FileReload",  "FileClose",        "EditAdd",         "EditExtract", "ComDel",
+        "ComRename",   "ComReplace",       "ComMove",         "ComRebuild",  "EditView",
+        "EditSelect",  "EditFind",         "EditSave",        "EditQuick",   "ComCheck",
+        "EditLowCase", "EditInsertMarker", "ConvLFName",      "ShowMe",      "arcReport",
+        "MenuLCase",   "EditFindIn",       "CmdGroupReplace", "edSel",       "ComConvert"};
     return names;
 }
 

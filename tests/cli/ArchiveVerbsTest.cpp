@@ -18,6 +18,8 @@ TEST(Cli, EachCallPrintsItsOutputOrOneErrorLineWithItsExitCode) {
         folder / "hand.img",
         {{5, 3, "zed.dff"}, {0, 1, "Alpha.TXD"}, {0x35, 2, "caf\xE9.col"}, {0x100000, 1, longest}},
         0);
+    const std::string src = (folder / "src.img").string();
+    WriteArchive(src, {{0, 1, "a.dff"}, {1, 1, "b.txd"}}, 2 * SectorSize);
     const std::string zed = "zed.dff\t2800\t6kb\n", alpha = "Alpha.TXD\t0\t2kb\n";
     const std::string rest = "caf\xC3\xA9.col\t1A800\t4kb\n" + longest + "\t80000000\t2kb\n";
     const struct Case {
@@ -30,6 +32,9 @@ TEST(Cli, EachCallPrintsItsOutputOrOneErrorLineWithItsExitCode) {
         {{"new", (folder / "fresh.img").string()}, 0, ""},
         {{"new", (folder / "kept.img").string()}, 1, "--force"},
         {{"new", "--force", (folder / "old.img").string()}, 0, ""},
+        {{"new", (folder / "sa.img").string(), "--one-file"}, 0, ""},
+        {{"convert", src, (folder / "one").string(), "--one-file"}, 0, ""}, // gets ".img"
+        {{"convert", src, (folder / "two.img").string()}, 1, "exactly one of"},
         {{}, 2, "no verb"},
         {{"frobnicate"}, 2, "unknown verb"},
         {{"list"}, 2, "usage"},
@@ -64,6 +69,11 @@ TEST(Cli, EachCallPrintsItsOutputOrOneErrorLineWithItsExitCode) {
                   ReadBytes(folder / "kept.img"),
               "kept");
     EXPECT_FALSE(std::filesystem::exists(folder / "korvel.ini"));
+    // A one-file archive is the header alone; a converted one its records, then the data.
+    EXPECT_EQ(ReadBytes(folder / "sa.img"), std::string("VER2", 4) + std::string(2044, '\0'));
+    EXPECT_EQ(ReadBytes(folder / "one.img"),
+              EncodeOneFileRecordArea({{1, 1, "a.dff"}, {2, 1, "b.txd"}}).append(2048 - 72, '\0') +
+                  ReadBytes(src));
 }
 
 } // namespace korvel::test

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <sstream>
 #include <stdexcept>
+#include <utility>
 
 namespace korvel::test {
 namespace {
@@ -65,6 +66,7 @@ FileDialogAnswer ScriptedDesktop::fileDialog(const char* kind, const FileDialogR
         answer.outcome = FileDialogAnswer::Outcome::Failed;
     } else {
         answer.outcome = FileDialogAnswer::Outcome::Chosen;
+        answer.filterIndex = std::exchange(nextFilterIndex, 0);
         // Several files are given as one answer separated by '|'.
         std::stringstream parts(reply);
         for (std::string part; std::getline(parts, part, '|');) {

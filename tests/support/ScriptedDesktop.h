@@ -32,6 +32,8 @@ public:
     // What OpenWithShell answers: false as on a desktop with no program for the type.
     bool shellOpens = true;
     FileDialogRequest lastFileDialog;
+    // The file type the next file dialog answers as selected (then 0 again).
+    std::size_t nextFilterIndex = 0;
 
     void answer(std::initializer_list<std::string> next) {
         answers.insert(answers.end(), next.begin(), next.end());

@@ -97,7 +97,7 @@ void MainWindowTest::menuBarFollowsTheMenuTree() {
         "ShowMe{ShowMeModels ShowMeTextures ShowMeAni ShowMeCol -erwererwer ShowMeOthers} "
         "arcReport{EditSave EditSaveHtml}} "
         "MenuEdit{EditAdd[Ctrl+A] EditExtract[Ctrl+E] EditQuick[F5] -g6 ComDel[Del] ComReplace "
-        "CmdGroupReplace -dfdsdsfsdf ComRename[Ctrl+R] ComMove[Ctrl+M] ComRebuild} "
+        "CmdGroupReplace -dfdsdsfsdf ComRename[Ctrl+R] ComMove[Ctrl+M] ComRebuild ComConvert} "
         "MenuOptions{OptionsLanguage{lang1* lang2* lang3* lang4* lang5* lang6* lang7*} "
         "OptSort{SortOffset* SortName*} -gap2222 ArcViz{OptGrid* OptCols* -vgap OptsPick "
         "-previewGap OptPreview[F9]*} "
