@@ -71,11 +71,6 @@ int New(const Arguments& args) {
         !created.ok()) {
         return Fail(created.error());
     }
-    // A one-file archive is opened by the engine's one-file reader, which the
-    // two-file open below is not; the header just written is all it holds.
-    if (kind == ArchiveKind::OneFile) {
-        return 0;
-    }
     return session.open(openPath) ? 0 : ExitFailure;
 }
 
