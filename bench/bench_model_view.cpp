@@ -6,6 +6,7 @@
 //
 //   bench_model_view [MODEL.dff [TEXTURES.txd]] [--png OUT.png]
 //   bench_model_view --ball SEGMENTS [--png OUT.png]   a generated textured ball
+#include "PreviewBench.h"
 #include "platform/Cp1252.h"
 #include "preview/ModelExport.h"
 #include "preview/ModelRender.h"
@@ -84,28 +85,12 @@ ModelInfo Ball(int segments, TextureImages& images) {
     return model;
 }
 
-struct FrameTimes {
-    double wallMs;
-    double cpuMs; // this process's processor time: what a busy machine does not inflate
-};
-
 // Median milliseconds over `frames` frames, the camera turned evenly.
-template <typename Draw> FrameTimes MedianFrameMs(ModelCamera camera, int frames, Draw draw) {
-    std::vector<double> wall;
-    std::vector<double> cpu;
-    for (int i = 0; i < frames; ++i) {
+template <typename Draw> bench::Times MedianFrameMs(ModelCamera camera, int frames, Draw draw) {
+    return bench::MedianMs(frames, [&] {
         camera.yaw += 6.2831853f / static_cast<float>(frames);
-        const auto start = std::chrono::steady_clock::now();
-        const std::clock_t cpuStart = std::clock();
         draw(camera);
-        cpu.push_back(1000.0 * static_cast<double>(std::clock() - cpuStart) / CLOCKS_PER_SEC);
-        wall.push_back(
-            std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start)
-                .count());
-    }
-    std::sort(wall.begin(), wall.end());
-    std::sort(cpu.begin(), cpu.end());
-    return {wall[wall.size() / 2], cpu[cpu.size() / 2]};
+    });
 }
 
 } // namespace
@@ -154,7 +139,7 @@ int main(int argc, char** argv) {
                 textures.size(), Width, Height);
     for (const auto& [name, shading] :
          {std::pair{"flat", ModelShading::Flat}, std::pair{"smooth", ModelShading::Smooth}}) {
-        const FrameTimes t = MedianFrameMs(fitted, 72, [&](const ModelCamera& camera) {
+        const bench::Times t = MedianFrameMs(fitted, 72, [&](const ModelCamera& camera) {
             buffer.reset(Width, Height, 0xFF404448u);
             RenderModel(mesh, textures, camera, shading, buffer);
         });
@@ -163,7 +148,7 @@ int main(int argc, char** argv) {
                     name, t.wallMs, 1000.0 / t.wallMs, t.cpuMs);
     }
     std::size_t segments = 0;
-    const FrameTimes wire = MedianFrameMs(fitted, 72, [&](const ModelCamera& camera) {
+    const bench::Times wire = MedianFrameMs(fitted, 72, [&](const ModelCamera& camera) {
         segments = WireSegments(mesh, camera, Width, Height).size();
     });
     std::printf("wire    %.2f ms per frame for %zu segments (painting them not included)\n",

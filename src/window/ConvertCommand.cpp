@@ -46,14 +46,8 @@ void ConvertArchiveAsking(Editor& editor) {
     ConvertResult result;
     {
         LongWork work(desktop, editor.table().size());
-        RebuildProgress progress;
-        progress.copying = [&](std::size_t i) {
-            work.step(i);
-            desktop.SetStatus(copying + std::to_string(i + 1) + of);
-        };
-        progress.writingDirectory = [&] { desktop.SetStatus(editor.text("rebuild4")); };
-        progress.stop = work.stopCheck();
-        result = ConvertArchive(editor.archive(), path, target, replaced, progress);
+        result = ConvertArchive(editor.archive(), path, target, replaced,
+                                work.copyProgress(copying, of, editor.text("rebuild4")));
     }
     if (result.stopped) {
         desktop.SetStatus(editor.text("convertCancelled"));

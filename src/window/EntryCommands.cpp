@@ -370,14 +370,8 @@ bool EntryCommands::Rebuild() {
     RebuildResult result;
     {
         LongWork work(desktop, editor_.table().size());
-        RebuildProgress progress;
-        progress.copying = [&](std::size_t i) {
-            work.step(i);
-            desktop.SetStatus(copying + std::to_string(i + 1) + of);
-        };
-        progress.writingDirectory = [&] { desktop.SetStatus(editor_.text("rebuild4")); };
-        progress.stop = work.stopCheck();
-        result = RebuildArchive(editor_.archive(), progress);
+        result = RebuildArchive(editor_.archive(),
+                                work.copyProgress(copying, of, editor_.text("rebuild4")));
     }
     if (result.stopped) {
         desktop.SetStatus(editor_.text("rebuildCancelled"));

@@ -31,4 +31,17 @@ bool LongWork::cancelled() {
     return cancelled_;
 }
 
+RebuildProgress LongWork::copyProgress(std::string copying, std::string of, std::string writing) {
+    RebuildProgress progress;
+    progress.copying = [this, copying = std::move(copying), of = std::move(of)](std::size_t i) {
+        step(i);
+        desktop_.SetStatus(copying + std::to_string(i + 1) + of);
+    };
+    progress.writingDirectory = [this, writing = std::move(writing)] {
+        desktop_.SetStatus(writing);
+    };
+    progress.stop = stopCheck();
+    return progress;
+}
+
 } // namespace korvel

@@ -28,6 +28,10 @@ public:
     StopCheck stopCheck() {
         return [this] { return cancelled(); };
     }
+    // What a rebuild or a conversion reports: the bar and the status
+    // "<copying>i<of>" for the i-th entry copied, `writing` while the
+    // directory file is written, and Cancel.
+    RebuildProgress copyProgress(std::string copying, std::string of, std::string writing);
 
 private:
     Desktop& desktop_;
