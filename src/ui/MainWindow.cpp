@@ -15,6 +15,8 @@
 #include "window/MenuTree.h"
 #include "window/RowColours.h"
 
+#include <algorithm>
+
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
@@ -187,14 +189,17 @@ MainWindow::MainWindow(Settings& settings, QWidget* parent)
     summary_ = new QLabel(bar);
     summary_->setObjectName(QStringLiteral("SBSummary"));
     // The last command's message and the summary share the width the window
-    // has; neither may widen the window past the screen (long German texts at
-    // scale 2 did), and each shows its whole text as a tooltip when cut.
+    // has: each gets its whole text while both fit, the message takes what is
+    // left over, and when the window is too narrow the summary gives way down
+    // to the message's third (resizeEvent). Neither may
+    // widen the window past the screen (long German texts at scale 2 did),
+    // and each shows its whole text as a tooltip when cut.
     for (QLabel* panel : {panel1_, summary_}) {
         panel->setMinimumWidth(1);
-        panel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+        panel->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     }
-    bar->addWidget(panel1_, 3);
-    bar->addWidget(summary_, 2);
+    bar->addWidget(panel1_, 1);
+    bar->addWidget(summary_, 0);
     bar->addPermanentWidget(panel2_);
     setStatusBar(bar);
     desktop_.attachStatusBar(bar, panel1_, panel2_, progress_);
@@ -468,6 +473,9 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 
 void MainWindow::resizeEvent(QResizeEvent* event) {
     QMainWindow::resizeEvent(event);
+    // However narrow the window, a third of the status bar stays the last
+    // command's message.
+    panel1_->setMinimumWidth(std::max(1, width() / 3));
     commands_.Resized();
 }
 
