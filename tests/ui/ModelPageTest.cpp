@@ -15,6 +15,7 @@ class ModelPageTest : public QObject {
     Q_OBJECT
 private slots:
     void showsWhatTheModelHolds();
+    void remembersTheShading();
 };
 
 void ModelPageTest::showsWhatTheModelHolds() {
@@ -74,4 +75,22 @@ void ModelPageTest::showsWhatTheModelHolds() {
 }
 
 QTEST_MAIN(ModelPageTest)
+// The shading chosen last is the one a page starts with, from korvel.ini in
+// any letter case; anything else there starts flat.
+void ModelPageTest::remembersTheShading() {
+    korvel::test::WindowEnv env;
+    korvel::Editor& editor = env.start().editor();
+    const std::pair<const char*, korvel::ModelShading> stored[] = {
+        {"WIRE", korvel::ModelShading::Wireframe}, {"shiny", korvel::ModelShading::Flat}};
+    for (const auto& [word, shading] : stored) {
+        env.settings.WriteSetting(word, "modelShading");
+        korvel::ui::ModelPage page(editor);
+        QCOMPARE(page.findChild<korvel::ui::ModelView*>("modelView")->shading(), shading);
+    }
+    korvel::ui::ModelPage page(editor);
+    page.findChild<QAbstractButton*>("modelSmooth")->click();
+    QCOMPARE(env.settings.ReadSetting("modelShading"), std::string("smooth"));
+    QVERIFY(korvel::ui::ModelPage(editor).findChild<QAbstractButton*>("modelSmooth")->isChecked());
+}
+
 #include "ModelPageTest.moc"
