@@ -218,6 +218,7 @@ QWidget* PreviewPane::buildTexturePage() {
         bar->addWidget(b);
     };
     button(back_, QStyle::SP_ArrowBack);
+    back_->setObjectName(QStringLiteral("PreviewBack"));
     button(zoomOut_, QStyle::SP_CustomBase);
     button(zoomIn_, QStyle::SP_CustomBase);
     button(fit_, QStyle::SP_CustomBase);
@@ -242,6 +243,12 @@ QWidget* PreviewPane::buildTexturePage() {
     connect(back_, &QToolButton::clicked, this, [this] {
         textureShown_ = -1;
         ++levelGeneration_;
+        // The line said why the texture could not be shown; the grid gets
+        // back its own (where reading the dictionary stopped, or none).
+        if (shown_) {
+            const EntryPreview& p = shown_->preview;
+            showProblemLine(p.textures.stopped, p.textures.stoppedAt, p.cut, p.problem);
+        }
         pages_->setCurrentWidget(grid_);
         grid_->setFocus();
     });
