@@ -75,7 +75,7 @@ InfoText TextureInfoText(const TextureDictionaryInfo& info) {
                   ",\"height\":" + N(x.height) + ",\"format\":\"" + format +
                   "\",\"mips\":" + N(x.mipCount) + "}";
         if (!x.problem.empty()) {
-            t.problems.push_back(ShownName(x.name) + ": " + x.problem);
+            t.problems.push_back(ShownName(x.name) + ": " + x.problem.english);
         }
     }
     t.json += "]";
@@ -122,7 +122,7 @@ InfoText CollisionInfoText(const CollisionInfo& info) {
                   ",\"spheres\":" + N(m.spheres.size()) + ",\"boxes\":" + N(m.boxes.size()) +
                   ",\"vertices\":" + vertices + ",\"faces\":" + N(m.faceCount) + "}";
         if (!m.problem.empty()) {
-            t.problems.push_back(ShownName(m.name) + ": " + m.problem);
+            t.problems.push_back(ShownName(m.name) + ": " + m.problem.english);
         }
     }
     t.json += "]";
@@ -154,10 +154,10 @@ int Info(const Arguments& args) {
     }
     const EntryPreview preview = ReadEntryPreview(session.archive().dataPath(), *entry);
     if (!preview.problem.empty()) {
-        return Fail(preview.problem);
+        return Fail(preview.problem.english);
     }
     InfoText text;
-    std::string stopped;
+    Reason stopped;
     std::uint64_t stoppedAt = 0;
     switch (preview.kind) {
     case PreviewKind::Textures:
@@ -185,7 +185,7 @@ int Info(const Arguments& args) {
                     " is not a texture dictionary, model, collision file or animation package");
     }
     if (!stopped.empty()) {
-        text.problems.push_back("reading stopped at byte " + N(stoppedAt) + ": " + stopped);
+        text.problems.push_back("reading stopped at byte " + N(stoppedAt) + ": " + stopped.english);
     }
     if (preview.cut) {
         text.problems.push_back("only the first " + N(MaxPreviewBytes) + " bytes were read");

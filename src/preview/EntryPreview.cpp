@@ -21,12 +21,14 @@ namespace fs = std::filesystem;
 struct OpenEntry {
     FileSource file;
     EntryRange range;
-    std::string problem;
+    Reason problem;
 
     OpenEntry(const fs::path& dataPath, const Entry& entry) {
         const auto length = FileLength(dataPath);
         if (!length || !file.open(dataPath)) {
-            problem = "cannot open the data file " + dataPath.string();
+            problem = {"cannot open the data file " + dataPath.string(),
+                       "whyDataFile",
+                       {dataPath.string()}};
             return;
         }
         range = PresentRange(entry, *length);
@@ -179,7 +181,7 @@ TextureExport ExportTextures(const Archive& archive, const Entry& entry, const f
     }
     OpenEntry open(archive.dataPath(), entry);
     if (!open.problem.empty()) {
-        result.problems.push_back(open.problem);
+        result.problems.push_back(open.problem.english);
         return result;
     }
     const TextureDictionaryInfo info =
@@ -204,10 +206,10 @@ TextureExport ExportTextures(const Archive& archive, const Entry& entry, const f
         const DecodedImage image = DecodeTextureLevel(open.file, open.range.offset, t, 0);
         const auto png = image.problem.empty() ? EncodePng(image.image) : std::nullopt;
         if (!png) {
-            result.problems.push_back(shown + ": " +
-                                      (image.problem.empty()
-                                           ? t.problem.empty() ? "cannot encode it" : t.problem
-                                           : image.problem));
+            result.problems.push_back(
+                shown + ": " +
+                (image.problem.empty() ? t.problem.empty() ? "cannot encode it" : t.problem.english
+                                       : image.problem.english));
             continue;
         }
         if (const Status s = WriteFileBytes(*path, *png, keepOff); !s.ok()) {
@@ -218,7 +220,7 @@ TextureExport ExportTextures(const Archive& archive, const Entry& entry, const f
     }
     if (!info.stopped.empty()) {
         result.problems.push_back("reading stopped at byte " + std::to_string(info.stoppedAt) +
-                                  ": " + info.stopped);
+                                  ": " + info.stopped.english);
     }
     return result;
 }
@@ -227,12 +229,13 @@ Status ExportModel(const Archive& archive, const Entry& entry, const fs::path& o
                    std::vector<std::string>& missing) {
     const EntryPreview preview = ReadEntryPreview(archive.dataPath(), entry);
     if (!preview.problem.empty()) {
-        return Status::Failed(preview.problem);
+        return Status::Failed(preview.problem.english, preview.problem.textKey,
+                              preview.problem.arguments);
     }
     const ModelInfo& model = preview.model;
     if (model.geometries.empty()) {
         return Status::Failed(ShownName(entry.name) + " holds no geometry" +
-                              (model.stopped.empty() ? "" : " (" + model.stopped + ")"));
+                              (model.stopped.empty() ? "" : " (" + model.stopped.english + ")"));
     }
     const std::vector<std::string> names = ModelTextureNames(model);
     const TextureImages textures =

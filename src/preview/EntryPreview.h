@@ -33,7 +33,7 @@ struct EntryPreview {
     AnimationPackage animation;
     std::string head; // the first bytes (up to HeadBytes), for any other entry
     // Why nothing could be read (the data file cannot be opened); empty else.
-    std::string problem;
+    Reason problem;
     // Only the first MaxPreviewBytes were read.
     bool cut = false;
 };

@@ -2,6 +2,7 @@
 
 #include "platform/Cp1252.h"
 #include "preview/ModelMesh.h"
+#include "settings/FailureTexts.h"
 #include "ui/ModelView.h"
 #include "window/Editor.h"
 
@@ -189,7 +190,7 @@ void ModelPage::Clear() {
     textures_->clear();
     textureNames_.clear();
     textureMissing_.clear();
-    stopReason_.clear();
+    stopReason_ = {};
     geometries_ = vertices_ = triangles_ = materials_ = 0;
     fillTexts();
 }
@@ -242,7 +243,8 @@ void ModelPage::fillTexts() {
             item->setText(0, Shown(textureNames_[i]));
         }
     }
-    stopped_->setText(Q(s.LookupFilled("mdlStopped", {std::to_string(stopOffset_), stopReason_})));
+    stopped_->setText(
+        Q(s.LookupFilled("mdlStopped", {std::to_string(stopOffset_), ReasonText(s, stopReason_)})));
     stopped_->setVisible(!stopReason_.empty());
 }
 

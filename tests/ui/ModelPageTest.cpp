@@ -32,7 +32,7 @@ void ModelPageTest::showsWhatTheModelHolds() {
     g.materials = {{{255, 255, 255, 255}, "Body", ""}, {{255, 255, 255, 255}, "glass", ""}};
     model.geometries = {g, g};
     model.atomics = {{2, 0}};
-    model.stopped = "the clump ends early";
+    model.stopped = {"a chunk lacks its struct", "whyDffNoStruct", {}};
     model.stoppedAt = 123;
     page.ShowModel(model, {}, {"GLASS"});
 
@@ -50,7 +50,7 @@ void ModelPageTest::showsWhatTheModelHolds() {
              QStringLiteral("Body|glass (fehlt)"));
     auto* stopped = page.findChild<QLabel*>("modelStopped");
     QCOMPARE(stopped->text(),
-             QStringLiteral("Lesen bei Byte 123 angehalten: the clump ends early"));
+             QStringLiteral("Lesen bei Byte 123 angehalten: einem Block fehlt seine Struktur"));
     QVERIFY(!stopped->isHidden());
 
     auto* view = page.findChild<korvel::ui::ModelView*>("modelView");
