@@ -94,8 +94,7 @@ TEST(CliPreview, PrintsInfoLinesAndExports) {
               0);
     EXPECT_NE(ReadAll(folder / "o" / "m.mtl").find("map_Kd nitro.png"), std::string::npos);
     EXPECT_TRUE(fs::exists(folder / "o" / "nitro.png"));
-    // Again: the OBJ named is written; the MTL beside it, now there, is kept
-    // unless --overwrite, and without a choice the run fails.
+    // Again: the MTL beside the OBJ is kept unless --overwrite; exit 1 if not chosen.
     const struct {
         const char* option;
         int exitCode;

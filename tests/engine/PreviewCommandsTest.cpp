@@ -59,8 +59,7 @@ TEST_F(PreviewExportsTest, WritesTheTextureOnlyWhereThePersonAgreedToWriteOver) 
     }
 }
 
-// An OBJ brings its MTL and PNGs: one question names each that exists, and
-// "no" writes none of the files.
+// One question names each MTL and PNG that exists; "no" writes no file.
 TEST_F(PreviewExportsTest, AModelAsksOnceAboutEveryFileItWouldWriteOver) {
     const auto real = std::filesystem::path(KORVEL_SOURCE_DIR) / "../shared/testdata/real";
     if (!std::filesystem::exists(real / "nitro.dff"))
