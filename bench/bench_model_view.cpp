@@ -117,7 +117,7 @@ int main(int argc, char** argv) {
     const PreparedMesh mesh = PrepareModelMesh(model);
     if (mesh.empty()) {
         std::printf("bench_model_view: %s holds nothing to draw (%s)\n", files[0].c_str(),
-                    model.stopped.c_str());
+                    model.stopped.english.c_str());
         return 1;
     }
     if (files.size() > 1) {

@@ -75,7 +75,7 @@ InfoText TextureInfoText(const TextureDictionaryInfo& info) {
                   ",\"height\":" + N(x.height) + ",\"format\":\"" + format +
                   "\",\"mips\":" + N(x.mipCount) + "}";
         if (!x.problem.empty()) {
-            t.problems.push_back(ShownName(x.name) + ": " + x.problem);
+            t.problems.push_back(ShownName(x.name) + ": " + x.problem.english);
         }
     }
     t.json += "]";
@@ -122,7 +122,7 @@ InfoText CollisionInfoText(const CollisionInfo& info) {
                   ",\"spheres\":" + N(m.spheres.size()) + ",\"boxes\":" + N(m.boxes.size()) +
                   ",\"vertices\":" + vertices + ",\"faces\":" + N(m.faceCount) + "}";
         if (!m.problem.empty()) {
-            t.problems.push_back(ShownName(m.name) + ": " + m.problem);
+            t.problems.push_back(ShownName(m.name) + ": " + m.problem.english);
         }
     }
     t.json += "]";
@@ -154,10 +154,10 @@ int Info(const Arguments& args) {
     }
     const EntryPreview preview = ReadEntryPreview(session.archive().dataPath(), *entry);
     if (!preview.problem.empty()) {
-        return Fail(preview.problem);
+        return Fail(preview.problem.english);
     }
     InfoText text;
-    std::string stopped;
+    Reason stopped;
     std::uint64_t stoppedAt = 0;
     switch (preview.kind) {
     case PreviewKind::Textures:
@@ -185,7 +185,7 @@ int Info(const Arguments& args) {
                     " is not a texture dictionary, model, collision file or animation package");
     }
     if (!stopped.empty()) {
-        text.problems.push_back("reading stopped at byte " + N(stoppedAt) + ": " + stopped);
+        text.problems.push_back("reading stopped at byte " + N(stoppedAt) + ": " + stopped.english);
     }
     if (preview.cut) {
         text.problems.push_back("only the first " + N(MaxPreviewBytes) + " bytes were read");
@@ -231,6 +231,12 @@ int ExportTexturesVerb(const Arguments& args) {
 }
 
 int ExportModelVerb(const Arguments& args) {
+    const bool overwrite = args.has("--overwrite");
+    const bool keepAll = args.has("--no-overwrite");
+    if (overwrite && keepAll) {
+        PrintError("--overwrite and --no-overwrite cannot both be given");
+        return ExitUsage;
+    }
     const fs::path out = args.operands[2];
     std::string extension = out.extension().string();
     for (char& c : extension) {
@@ -248,16 +254,30 @@ int ExportModelVerb(const Arguments& args) {
     if (PreviewKindOf(entry->name) != PreviewKind::Model) {
         return Fail(ShownName(entry->name) + " is not a model");
     }
-    std::vector<std::string> missing;
-    if (const Status s = ExportModel(session.archive(), *entry, out, missing); !s.ok()) {
+    const ModelExportFiles prepared = PrepareModelExport(session.archive(), *entry, out);
+    // OUT is the file named and is written; the MTL and PNGs beside an OBJ
+    // are not named, so one that exists is kept as extract keeps files, and
+    // without a choice the run counts as failed.
+    bool kept = false;
+    const auto keep = [&](const fs::path& path) {
+        std::error_code ec;
+        if (overwrite || path == out || !fs::exists(path, ec)) {
+            return false;
+        }
+        PrintError("skipped " + EscapeControls(path.string()) + ": the file exists" +
+                   (keepAll ? "" : " (--overwrite writes over it)"));
+        kept = true;
+        return true;
+    };
+    if (const Status s = WriteModelExport(session.archive(), prepared, keep); !s.ok()) {
         return Fail(s.error());
     }
     // The model is written; textures no dictionary holds are worth knowing.
-    for (const std::string& name : missing) {
+    for (const std::string& name : prepared.missing) {
         std::fprintf(stderr, "korvel-cli: texture %s is in no texture dictionary of the archive\n",
                      ShownName(name).c_str());
     }
-    return 0;
+    return kept && !keepAll ? ExitFailure : 0;
 }
 
 } // namespace
@@ -277,10 +297,13 @@ void AddPreviewVerbs(VerbTable& verbs) {
         3,
         3,
         ExportTexturesVerb};
-    verbs["export-model"] = {"export-model ARCHIVE.img NAME OUT.glb|OUT.obj",
+    verbs["export-model"] = {"export-model ARCHIVE.img NAME OUT.glb|OUT.obj "
+                             "[--overwrite|--no-overwrite]",
                              "write the model NAME as glTF binary or as OBJ with MTL and PNG "
-                             "textures, textures found in the archive's dictionaries",
-                             {},
+                             "textures, textures found in the archive's dictionaries; an "
+                             "existing MTL or PNG is kept (exit 1) unless --overwrite writes "
+                             "over it or --no-overwrite skips it (exit 0)",
+                             {{"--overwrite", false}, {"--no-overwrite", false}},
                              3,
                              3,
                              ExportModelVerb};

@@ -16,7 +16,7 @@ std::uint64_t Align4(std::uint64_t n) {
     return (n + 3) & ~std::uint64_t{3};
 }
 
-void Stop(AnimationPackage& p, std::uint64_t at, std::string why) {
+void Stop(AnimationPackage& p, std::uint64_t at, Reason why) {
     p.stopped = std::move(why);
     p.stoppedAt = at;
 }
@@ -26,14 +26,15 @@ void Stop(AnimationPackage& p, std::uint64_t at, std::string why) {
 // stored as 16-bit numbers; per object a name, key type, key count and bone.
 void ReadAnp3(std::string_view b, AnimationPackage& p) {
     if (!Has(b, 8, 28)) {
-        return Stop(p, 0, "the package header is cut short");
+        return Stop(p, 0, {"the package header is cut short", "whyIfpHeaderCut", {}});
     }
     p.name = std::string(FieldText(b.data() + 8, 24));
     const std::uint32_t count = Le32(b.data() + 32);
     std::uint64_t at = 36;
     for (std::uint32_t i = 0; i < count; ++i) {
         if (!Has(b, at, 36)) {
-            return Stop(p, at, "animation " + std::to_string(i + 1) + " is cut short");
+            const std::string n = std::to_string(i + 1);
+            return Stop(p, at, {"animation " + n + " is cut short", "whyIfpAnimationCut", {n}});
         }
         Animation& a = p.animations.emplace_back();
         a.name = std::string(FieldText(b.data() + at, 24));
@@ -42,7 +43,9 @@ void ReadAnp3(std::string_view b, AnimationPackage& p) {
         at += 36;
         for (std::uint32_t k = 0; k < objects; ++k) {
             if (!Has(b, at, 36)) {
-                return Stop(p, at, "an object of " + a.name + " is cut short");
+                return Stop(
+                    p, at,
+                    {"an object of " + a.name + " is cut short", "whyIfpObjectCut", {a.name}});
             }
             const std::uint32_t type = Le32(b.data() + at + 24);
             const std::uint32_t frames = Le32(b.data() + at + 28);
@@ -55,10 +58,15 @@ void ReadAnp3(std::string_view b, AnimationPackage& p) {
             } else if (type == 2) {
                 key = compressed ? 16 : 32;
             } else if (type != 0) {
-                return Stop(p, at, "an object of " + a.name + " has an unknown key type");
+                return Stop(p, at,
+                            {"an object of " + a.name + " has an unknown key type",
+                             "whyIfpKeyType",
+                             {a.name}});
             }
             if (!Has(b, at, key * frames)) {
-                return Stop(p, at, "the keys of " + a.name + " run past the end");
+                return Stop(
+                    p, at,
+                    {"the keys of " + a.name + " run past the end", "whyIfpKeysPastEnd", {a.name}});
             }
             at += key * frames;
         }
@@ -99,7 +107,7 @@ void ReadAnpk(std::string_view b, AnimationPackage& p) {
         std::min<std::uint64_t>(b.size(), 8 + std::uint64_t{Le32(b.data() + 4)});
     Section info;
     if (!ReadSection(b, 8, end, "INFO", info) || info.size < 4) {
-        return Stop(p, 8, "the package lacks its INFO section");
+        return Stop(p, 8, {"the package lacks its INFO section", "whyIfpNoInfo", {}});
     }
     const std::uint32_t count = Le32(b.data() + info.body);
     p.name = std::string(FieldText(b.data() + info.body + 4, info.size - 4));
@@ -109,14 +117,20 @@ void ReadAnpk(std::string_view b, AnimationPackage& p) {
         Section dgan;
         if (!ReadSection(b, at, end, "NAME", name) ||
             !ReadSection(b, name.next, end, "DGAN", dgan, true)) {
-            return Stop(p, at, "animation " + std::to_string(i + 1) + " is not where it should be");
+            const std::string n = std::to_string(i + 1);
+            return Stop(
+                p, at,
+                {"animation " + n + " is not where it should be", "whyIfpAnimationLost", {n}});
         }
         Animation& a = p.animations.emplace_back();
         a.name = std::string(FieldText(b.data() + name.body, name.size));
         const std::uint64_t dganEnd = dgan.body + dgan.size;
         Section objects;
         if (!ReadSection(b, dgan.body, dganEnd, "INFO", objects) || objects.size < 4) {
-            return Stop(p, dgan.body, "animation " + a.name + " lacks its INFO section");
+            return Stop(p, dgan.body,
+                        {"animation " + a.name + " lacks its INFO section",
+                         "whyIfpAnimationNoInfo",
+                         {a.name}});
         }
         const std::uint32_t objectCount = Le32(b.data() + objects.body);
         std::uint64_t o = objects.next;
@@ -125,7 +139,10 @@ void ReadAnpk(std::string_view b, AnimationPackage& p) {
             Section anim;
             if (!ReadSection(b, o, dganEnd, "CPAN", cpan, true) ||
                 !ReadSection(b, cpan.body, cpan.body + cpan.size, "ANIM", anim) || anim.size < 32) {
-                return Stop(p, o, "an object of " + a.name + " is not where it should be");
+                return Stop(p, o,
+                            {"an object of " + a.name + " is not where it should be",
+                             "whyIfpObjectLost",
+                             {a.name}});
             }
             a.objects.push_back({std::string(FieldText(b.data() + anim.body, 28)),
                                  Le32(b.data() + anim.body + 28)});
@@ -148,7 +165,7 @@ std::uint32_t Animation::frames() const {
 AnimationPackage ReadAnimationPackage(std::string_view bytes) {
     AnimationPackage p;
     if (bytes.size() < 8) {
-        Stop(p, 0, "the entry is too short for an animation package");
+        Stop(p, 0, {"the entry is too short for an animation package", "whyIfpShort", {}});
         return p;
     }
     p.format = std::string(bytes.substr(0, 4));
@@ -158,7 +175,7 @@ AnimationPackage ReadAnimationPackage(std::string_view bytes) {
         ReadAnpk(bytes, p);
     } else {
         p.format.clear();
-        Stop(p, 0, "the entry is neither an ANPK nor an ANP3 package");
+        Stop(p, 0, {"the entry is neither an ANPK nor an ANP3 package", "whyIfpNotPackage", {}});
     }
     return p;
 }

@@ -3,6 +3,8 @@
 // (tagged sections), San Andreas ANP3 (fixed records). Pure over bytes.
 #pragma once
 
+#include "platform/Reason.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -26,7 +28,7 @@ struct AnimationPackage {
     std::string format; // "ANPK" or "ANP3"
     std::string name;   // the package's own name
     std::vector<Animation> animations;
-    std::string stopped; // empty when every animation was read
+    Reason stopped; // empty when every animation was read
     std::uint64_t stoppedAt = 0;
 };
 

@@ -34,7 +34,8 @@ public:
     bool has(std::uint64_t at, std::uint64_t bytes) {
         if (at > size_ || bytes > size_ - at) {
             if (m_.problem.empty()) {
-                m_.problem = "the model's body is shorter than its counts claim";
+                m_.problem = {
+                    "the model's body is shorter than its counts claim", "whyColBodyShort", {}};
             }
             return false;
         }
@@ -186,7 +187,7 @@ CollisionInfo ReadCollisionFile(std::string_view bytes) {
                    place.tag == Tag("COL4")) {
             body.readVersion2();
         } else {
-            m.problem = "the model's tag is not one Korvel knows";
+            m.problem = {"the model's tag is not one Korvel knows", "whyColTag", {}};
         }
     }
     info.stopped = walk.stopped;

@@ -4,6 +4,8 @@
 // reads each model's body. Pure over bytes.
 #pragma once
 
+#include "platform/Reason.h"
+
 #include <array>
 #include <cstdint>
 #include <string>
@@ -35,12 +37,12 @@ struct CollisionModel {
     std::vector<float> vertices;                     // 3 per vertex
     std::vector<std::array<std::uint32_t, 3>> faces; // corners that exist
     std::uint32_t faceCount = 0;                     // as the model states it
-    std::string problem;                             // empty when the body was read whole
+    Reason problem;                                  // empty when the body was read whole
 };
 
 struct CollisionInfo {
     std::vector<CollisionModel> models;
-    std::string stopped; // empty when the whole file was walked
+    Reason stopped; // empty when the whole file was walked
     std::uint64_t stoppedAt = 0;
 };
 

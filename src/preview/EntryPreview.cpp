@@ -21,12 +21,14 @@ namespace fs = std::filesystem;
 struct OpenEntry {
     FileSource file;
     EntryRange range;
-    std::string problem;
+    Reason problem;
 
     OpenEntry(const fs::path& dataPath, const Entry& entry) {
         const auto length = FileLength(dataPath);
         if (!length || !file.open(dataPath)) {
-            problem = "cannot open the data file " + dataPath.string();
+            problem = {"cannot open the data file " + dataPath.string(),
+                       "whyDataFile",
+                       {dataPath.string()}};
             return;
         }
         range = PresentRange(entry, *length);
@@ -179,7 +181,7 @@ TextureExport ExportTextures(const Archive& archive, const Entry& entry, const f
     }
     OpenEntry open(archive.dataPath(), entry);
     if (!open.problem.empty()) {
-        result.problems.push_back(open.problem);
+        result.problems.push_back(open.problem.english);
         return result;
     }
     const TextureDictionaryInfo info =
@@ -204,10 +206,10 @@ TextureExport ExportTextures(const Archive& archive, const Entry& entry, const f
         const DecodedImage image = DecodeTextureLevel(open.file, open.range.offset, t, 0);
         const auto png = image.problem.empty() ? EncodePng(image.image) : std::nullopt;
         if (!png) {
-            result.problems.push_back(shown + ": " +
-                                      (image.problem.empty()
-                                           ? t.problem.empty() ? "cannot encode it" : t.problem
-                                           : image.problem));
+            result.problems.push_back(
+                shown + ": " +
+                (image.problem.empty() ? t.problem.empty() ? "cannot encode it" : t.problem.english
+                                       : image.problem.english));
             continue;
         }
         if (const Status s = WriteFileBytes(*path, *png, keepOff); !s.ok()) {
@@ -218,53 +220,76 @@ TextureExport ExportTextures(const Archive& archive, const Entry& entry, const f
     }
     if (!info.stopped.empty()) {
         result.problems.push_back("reading stopped at byte " + std::to_string(info.stoppedAt) +
-                                  ": " + info.stopped);
+                                  ": " + info.stopped.english);
     }
     return result;
 }
 
-Status ExportModel(const Archive& archive, const Entry& entry, const fs::path& out,
-                   std::vector<std::string>& missing) {
+std::vector<fs::path> ModelExportFiles::paths() const {
+    std::vector<fs::path> all;
+    for (const auto& [path, bytes] : files) {
+        all.push_back(path);
+    }
+    return all;
+}
+
+ModelExportFiles PrepareModelExport(const Archive& archive, const Entry& entry,
+                                    const fs::path& out) {
+    ModelExportFiles prepared;
     const EntryPreview preview = ReadEntryPreview(archive.dataPath(), entry);
     if (!preview.problem.empty()) {
-        return Status::Failed(preview.problem);
+        prepared.status = Status::Failed(preview.problem.english, preview.problem.textKey,
+                                         preview.problem.arguments);
+        return prepared;
     }
     const ModelInfo& model = preview.model;
     if (model.geometries.empty()) {
-        return Status::Failed(ShownName(entry.name) + " holds no geometry" +
-                              (model.stopped.empty() ? "" : " (" + model.stopped + ")"));
+        prepared.status =
+            Status::Failed(ShownName(entry.name) + " holds no geometry" +
+                           (model.stopped.empty() ? "" : " (" + model.stopped.english + ")"));
+        return prepared;
     }
     const std::vector<std::string> names = ModelTextureNames(model);
     const TextureImages textures =
         FindModelTextures(archive.dataPath(), archive.table().rows(), entry.name, names);
     for (const std::string& n : names) {
         if (textures.count(ToLowerCp1252(n)) == 0) {
-            missing.push_back(n);
+            prepared.missing.push_back(n);
         }
     }
-    const auto keepOff = ArchiveOwnFiles(archive);
     std::string extension = out.extension().string();
     std::transform(extension.begin(), extension.end(), extension.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     if (extension == ".glb") {
-        return WriteFileBytes(out, BuildGlb(model, textures), keepOff);
+        prepared.files.emplace_back(out, BuildGlb(model, textures));
+        return prepared;
     }
     fs::path mtl = out;
     mtl.replace_extension(".mtl");
-    const ObjFiles files = BuildObj(model, mtl.filename().string(), textures);
-    if (Status s = WriteFileBytes(out, files.obj, keepOff); !s.ok()) {
-        return s;
-    }
-    if (Status s = WriteFileBytes(mtl, files.mtl, keepOff); !s.ok()) {
-        return s;
-    }
+    ObjFiles files = BuildObj(model, mtl.filename().string(), textures);
+    prepared.files.emplace_back(out, std::move(files.obj));
+    prepared.files.emplace_back(mtl, std::move(files.mtl));
     for (const auto& [file, texture] : files.textureFiles) {
         const auto path = EntryFileIn(out.parent_path(), file);
-        const auto png = EncodePng(textures.at(ToLowerCp1252(texture)));
-        if (!path || !png) {
-            continue; // BuildObj names only safe files; EncodePng of a decoded image succeeds
+        auto png = EncodePng(textures.at(ToLowerCp1252(texture)));
+        if (path && png) { // BuildObj names only safe files; EncodePng of a decoded image succeeds
+            prepared.files.emplace_back(*path, std::move(*png));
         }
-        if (Status s = WriteFileBytes(*path, *png, keepOff); !s.ok()) {
+    }
+    return prepared;
+}
+
+Status WriteModelExport(const Archive& archive, const ModelExportFiles& prepared,
+                        const std::function<bool(const fs::path&)>& keep) {
+    if (!prepared.status.ok()) {
+        return prepared.status;
+    }
+    const auto keepOff = ArchiveOwnFiles(archive);
+    for (const auto& [path, bytes] : prepared.files) {
+        if (keep && keep(path)) {
+            continue;
+        }
+        if (Status s = WriteFileBytes(path, bytes, keepOff); !s.ok()) {
             return s;
         }
     }

@@ -13,8 +13,10 @@
 #include "preview/Textures.h"
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace korvel {
@@ -33,7 +35,7 @@ struct EntryPreview {
     AnimationPackage animation;
     std::string head; // the first bytes (up to HeadBytes), for any other entry
     // Why nothing could be read (the data file cannot be opened); empty else.
-    std::string problem;
+    Reason problem;
     // Only the first MaxPreviewBytes were read.
     bool cut = false;
 };
@@ -72,11 +74,25 @@ TextureExport ExportTextures(const Archive& archive, const Entry& entry,
                              const std::filesystem::path& folder,
                              const std::optional<std::string>& only = std::nullopt);
 
-// Writes the model `entry` to `out`: glTF binary for ".glb", else OBJ with
-// its MTL (same name, ".mtl") and the PNGs of the textures found beside it.
-// `missing` receives the textures the materials name that no dictionary of
-// the archive holds.
-Status ExportModel(const Archive& archive, const Entry& entry, const std::filesystem::path& out,
-                   std::vector<std::string>& missing);
+// What exporting a model to `out` writes, `out` first: glTF binary for
+// ".glb", else OBJ with its MTL (same name, ".mtl") and the PNGs of the
+// textures found, beside it. The export and every question about files it
+// would write over go by this one list.
+struct ModelExportFiles {
+    Status status = Status::Ok(); // failed: there is nothing to write
+    // The textures the materials name that no dictionary of the archive holds.
+    std::vector<std::string> missing;
+    std::vector<std::pair<std::filesystem::path, std::string>> files; // path, bytes
+
+    std::vector<std::filesystem::path> paths() const;
+};
+
+ModelExportFiles PrepareModelExport(const Archive& archive, const Entry& entry,
+                                    const std::filesystem::path& out);
+
+// Writes the prepared files, but none `keep` says to leave as they are;
+// stops at the first that cannot be written.
+Status WriteModelExport(const Archive& archive, const ModelExportFiles& prepared,
+                        const std::function<bool(const std::filesystem::path&)>& keep = {});
 
 } // namespace korvel

@@ -2,6 +2,8 @@
 // bottom. What every decoder returns and every exporter takes.
 #pragma once
 
+#include "platform/Reason.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -17,7 +19,7 @@ struct RgbaImage {
 // An image, or why there is none.
 struct DecodedImage {
     RgbaImage image;
-    std::string problem; // empty when `image` holds the pixels
+    Reason problem; // empty when `image` holds the pixels
 };
 
 } // namespace korvel

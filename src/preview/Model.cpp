@@ -39,7 +39,7 @@ public:
 
     void read() {
         if (bytes_.size() < RwChunkHeaderSize || Le32(bytes_.data()) != ClumpId) {
-            return stop(0, "the entry does not start with a clump");
+            return stop(0, Reason{"the entry does not start with a clump", "whyDffNoClump", {}});
         }
         // A clump cut short is read as far as it goes.
         bool clipped = false;
@@ -70,12 +70,13 @@ public:
             return a.frame >= frames || a.geometry >= geometries;
         });
         if (clipped) {
-            stop(bytes_.size(), "the clump runs past the end of the entry");
+            stop(bytes_.size(),
+                 Reason{"the clump runs past the end of the entry", "whyDffClumpPastEnd", {}});
         }
     }
 
 private:
-    void stop(std::uint64_t at, std::string why) {
+    void stop(std::uint64_t at, Reason why) {
         if (m_.stopped.empty()) {
             m_.stopped = std::move(why);
             m_.stoppedAt = at;
@@ -87,7 +88,9 @@ private:
         for (std::uint64_t at = parent.at + RwChunkHeaderSize; at < end;) {
             RwChunk child;
             if (!ReadRwChunk(bytes_, at, end, child)) {
-                return stop(at, "a chunk runs past the end of the one that holds it");
+                return stop(at, Reason{"a chunk runs past the end of the one that holds it",
+                                       "whyDffChunkPastEnd",
+                                       {}});
             }
             visit(child);
             at += RwChunkHeaderSize + std::uint64_t{child.size};
@@ -99,7 +102,7 @@ private:
         if (!ReadRwChunk(bytes_, parent.at + RwChunkHeaderSize,
                          parent.at + RwChunkHeaderSize + parent.size, s) ||
             s.type != RwStructId) {
-            stop(parent.at, "a chunk lacks its struct");
+            stop(parent.at, Reason{"a chunk lacks its struct", "whyDffNoStruct", {}});
             return false;
         }
         return true;
@@ -114,7 +117,9 @@ private:
         }
         const std::uint32_t count = Le32(body(s));
         if (count > (s.size - 4) / FrameBytes) {
-            return stop(s.at, "the frame list claims more frames than it holds");
+            return stop(
+                s.at,
+                Reason{"the frame list claims more frames than it holds", "whyDffFrames", {}});
         }
         for (std::uint32_t i = 0; i < count; ++i) {
             const char* p = body(s) + 4 + std::size_t{i} * FrameBytes;
@@ -171,7 +176,8 @@ private:
         }
         ModelGeometry& g = m_.geometries.emplace_back();
         if (s.size < 16) {
-            return stop(s.at, "a geometry's struct is too short");
+            return stop(s.at,
+                        Reason{"a geometry's struct is too short", "whyDffGeometryShort", {}});
         }
         const char* p = body(s);
         const std::uint64_t size = s.size;
@@ -183,7 +189,9 @@ private:
         std::uint64_t at = 16 + (RwVersion(s.libraryId) < 0x34000 ? 12 : 0);
         const auto need = [&](std::uint64_t bytes) {
             if (bytes > size || at > size - bytes) {
-                stop(s.at, "a geometry claims more vertices or triangles than it holds");
+                stop(s.at, Reason{"a geometry claims more vertices or triangles than it holds",
+                                  "whyDffGeometryCounts",
+                                  {}});
                 return false;
             }
             return true;
@@ -258,7 +266,9 @@ private:
         }
         const std::uint32_t count = Le32(body(s));
         if (count > (s.size - 4) / 4) {
-            return stop(s.at, "the material list claims more materials than it holds");
+            return stop(s.at, Reason{"the material list claims more materials than it holds",
+                                     "whyDffMaterialsClaim",
+                                     {}});
         }
         std::vector<ModelMaterial> own;
         forEachChild(list, [&](const RwChunk& c) {
@@ -274,7 +284,9 @@ private:
             } else if (next < own.size()) {
                 g.materials.push_back(own[next++]);
             } else {
-                return stop(list.at, "the material list has fewer materials than it claims");
+                return stop(list.at, Reason{"the material list has fewer materials than it claims",
+                                            "whyDffMaterialsFewer",
+                                            {}});
             }
         }
     }

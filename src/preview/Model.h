@@ -4,6 +4,7 @@
 // texture names, and which geometry hangs on which frame. Pure over bytes.
 #pragma once
 
+#include "platform/Reason.h"
 #include "search/ByteSource.h"
 
 #include <array>
@@ -58,7 +59,7 @@ struct ModelInfo {
     std::vector<ModelAtomic> atomics; // only those naming a frame and geometry that exist
     // Empty when the clump was read to its end; else why reading stopped and
     // the offset where it did.
-    std::string stopped;
+    Reason stopped;
     std::uint64_t stoppedAt = 0;
 };
 

@@ -132,10 +132,13 @@ std::uint32_t Wrap(std::int64_t i, std::uint32_t size) {
     return static_cast<std::uint32_t>(i < 0 ? i + size : i);
 }
 
-// The colour of `image` at (u, t), blended from the four texels around it;
-// false where the texture is see-through there. RenderWare's texture
-// coordinates run down the image, as its rows do.
-bool SampleBilinear(const RgbaImage& image, float u, float t, float rgb[3]) {
+// Texels less opaque than this are holes in a cut-out texture (leaves, fences).
+constexpr float CutOutAlpha = 128;
+
+// The colour of `image` at (u, t), blended from the four texels around it,
+// and its alpha (0 to 255). RenderWare's texture coordinates run down the
+// image, as its rows do.
+float SampleBilinear(const RgbaImage& image, float u, float t, float rgb[3]) {
     float x = u * static_cast<float>(image.width) - 0.5f;
     float y = t * static_cast<float>(image.height) - 0.5f;
     if (!(std::fabs(x) < 1e9f && std::fabs(y) < 1e9f)) {
@@ -164,7 +167,18 @@ bool SampleBilinear(const RgbaImage& image, float u, float t, float rgb[3]) {
         }
         alpha += weights[k] * corners[k][3];
     }
-    return alpha >= 128;
+    return alpha;
+}
+
+// Whether a texture is see-through in part (glass, smoke) rather than only
+// cut out: some texel lies clearly between transparent and opaque.
+bool HasPartialAlpha(const RgbaImage& image) {
+    for (std::size_t i = 3; i < image.pixels.size(); i += 4) {
+        if (image.pixels[i] >= 16 && image.pixels[i] < 240) {
+            return true;
+        }
+    }
+    return false;
 }
 
 // `image` when its pixels are all there, else nullptr (drawn untextured).
@@ -176,11 +190,47 @@ const RgbaImage* Usable(const RgbaImage* image) {
     return image;
 }
 
+// One side of a see-through triangle. A pixel centre on a side two such
+// triangles share must be covered by exactly one of them, or it is blended
+// twice: the side is worked out from its ends in one fixed order, so both
+// triangles get the same number, and a centre on it goes to the triangle
+// that lies to its right, or below it when the side runs level.
+class Side {
+public:
+    Side(const Projected& a, const Projected& b, const Projected& opposite) {
+        const bool swap = b.x < a.x || (b.x == a.x && b.y < a.y);
+        const Projected& from = swap ? b : a;
+        const Projected& to = swap ? a : b;
+        x_ = from.x;
+        y_ = from.y;
+        dx_ = static_cast<double>(to.x) - from.x;
+        dy_ = static_cast<double>(to.y) - from.y;
+        inward_ = at(opposite.x, opposite.y) < 0 ? -1 : 1;
+        const double towardsX = -inward_ * dy_;
+        ownsCentresOnIt_ = towardsX > 0 || (towardsX == 0 && inward_ * dx_ > 0);
+    }
+
+    bool covers(double x, double y) const {
+        const double e = at(x, y) * inward_;
+        return e > 0 || (e == 0 && ownsCentresOnIt_);
+    }
+
+private:
+    double at(double x, double y) const { return dx_ * (y - y_) - dy_ * (x - x_); }
+
+    double x_, y_, dx_, dy_;
+    double inward_;
+    bool ownsCentresOnIt_;
+};
+
 class Rasterizer {
 public:
-    Rasterizer(RenderBuffer& buffer, const RgbaImage* texture, std::array<std::uint8_t, 4> color)
-        : b_(buffer), texture_(texture) {
-        for (std::size_t k = 0; k < 3; ++k) {
+    // A blended rasterizer mixes its colour into what is drawn by its alpha
+    // and leaves the depth as it is, so what lies behind it still shows.
+    Rasterizer(RenderBuffer& buffer, const RgbaImage* texture, std::array<std::uint8_t, 4> color,
+               bool blended)
+        : b_(buffer), texture_(texture), blended_(blended) {
+        for (std::size_t k = 0; k < 4; ++k) {
             color_[k] = static_cast<float>(color[k]) / 255.0f;
         }
     }
@@ -214,6 +264,7 @@ public:
         const Attributes base{p2.w, p2.uw, p2.tw, p2.lw};
         const Attributes d0{p0.w - p2.w, p0.uw - p2.uw, p0.tw - p2.tw, p0.lw - p2.lw};
         const Attributes d1{p1.w - p2.w, p1.uw - p2.uw, p1.tw - p2.tw, p1.lw - p2.lw};
+        const Side sides[3] = {{p1, p2, p0}, {p2, p0, p1}, {p0, p1, p2}};
         for (int y = y0; y <= y1; ++y) {
             const float py = static_cast<float>(y) + 0.5f;
             const std::size_t rowStart =
@@ -225,7 +276,9 @@ public:
                 // A hair of slack: a pixel centre on an edge two triangles
                 // share must not slip between them by rounding.
                 constexpr float Slack = 1e-5f;
-                if (s0 < -Slack || s1 < -Slack || s0 + s1 > 1 + Slack) {
+                if (blended_ ? !(sides[0].covers(px, py) && sides[1].covers(px, py) &&
+                                 sides[2].covers(px, py))
+                             : s0 < -Slack || s1 < -Slack || s0 + s1 > 1 + Slack) {
                     continue;
                 }
                 const std::size_t at = rowStart + static_cast<std::size_t>(x);
@@ -236,19 +289,34 @@ public:
                 const float z = 1.0f / w;
                 const float light = std::clamp((base.lw + s0 * d0.lw + s1 * d1.lw) * z, 0.0f, 1.0f);
                 float r = color_[0] * light, g = color_[1] * light, b = color_[2] * light;
+                float alpha = color_[3];
                 if (texture_ != nullptr) {
                     float texel[3];
-                    if (!SampleBilinear(*texture_, (base.uw + s0 * d0.uw + s1 * d1.uw) * z,
-                                        (base.tw + s0 * d0.tw + s1 * d1.tw) * z, texel)) {
-                        continue; // see-through: what lies behind shows
+                    const float texelAlpha =
+                        SampleBilinear(*texture_, (base.uw + s0 * d0.uw + s1 * d1.uw) * z,
+                                       (base.tw + s0 * d0.tw + s1 * d1.tw) * z, texel);
+                    if (!blended_ && texelAlpha < CutOutAlpha) {
+                        continue; // cut out: what lies behind shows
                     }
                     r *= texel[0];
                     g *= texel[1];
                     b *= texel[2];
+                    alpha *= texelAlpha / 255.0f;
                 } else {
                     r *= 255;
                     g *= 255;
                     b *= 255;
+                }
+                if (blended_) {
+                    const std::uint32_t under = b_.color[at];
+                    const auto mix = [alpha](float over, std::uint32_t back) {
+                        return static_cast<std::uint32_t>(
+                            std::clamp(over * alpha + static_cast<float>(back & 0xFF) * (1 - alpha),
+                                       0.0f, 255.0f));
+                    };
+                    b_.color[at] = 0xFF000000u | mix(r, under >> 16) << 16 |
+                                   mix(g, under >> 8) << 8 | mix(b, under);
+                    continue;
                 }
                 b_.depth[at] = w;
                 b_.color[at] = 0xFF000000u | static_cast<std::uint32_t>(r) << 16 |
@@ -264,7 +332,8 @@ private:
 
     RenderBuffer& b_;
     const RgbaImage* texture_;
-    std::array<float, 3> color_{};
+    bool blended_;
+    std::array<float, 4> color_{};
 };
 
 } // namespace
@@ -350,12 +419,16 @@ void RenderModel(const PreparedMesh& mesh, const std::vector<const RgbaImage*>& 
         viewed[i] = view.toView(mesh.positions[i]);
         light[i] = i < mesh.normals.size() ? Light(viewNormal(mesh.normals[i])) : 1.0f;
     }
-    for (const MeshTriangle& t : mesh.triangles) {
-        if (std::any_of(t.corners.begin(), t.corners.end(), [&](std::uint32_t c) {
-                return c >= viewed.size() || c >= mesh.uvs.size();
-            })) {
-            continue;
-        }
+    // Per material: its usable texture, and whether it is drawn blended (a
+    // colour less than opaque, or a texture see-through in part).
+    std::vector<const RgbaImage*> usable(mesh.materials.size(), nullptr);
+    std::vector<bool> blended(mesh.materials.size(), false);
+    for (std::size_t m = 0; m < mesh.materials.size(); ++m) {
+        usable[m] = m < textures.size() ? Usable(textures[m]) : nullptr;
+        blended[m] = mesh.materials[m].color[3] < 255 ||
+                     (usable[m] != nullptr && HasPartialAlpha(*usable[m]));
+    }
+    const auto draw = [&](const MeshTriangle& t, bool blend) {
         const float flat = Light(viewNormal(t.normal));
         Corner polygon[3 + View::Planes];
         Corner scratch[3 + View::Planes];
@@ -366,15 +439,15 @@ void RenderModel(const PreparedMesh& mesh, const std::vector<const RgbaImage*>& 
         }
         const int n = ClipPolygon(view, polygon, 3, scratch);
         if (n < 3) {
-            continue;
+            return;
         }
         const bool known =
             t.material >= 0 && static_cast<std::size_t>(t.material) < mesh.materials.size();
         const auto material = static_cast<std::size_t>(t.material);
-        Rasterizer raster(
-            buffer, known && material < textures.size() ? Usable(textures[material]) : nullptr,
-            known ? mesh.materials[material].color
-                  : std::array<std::uint8_t, 4>{200, 200, 200, 255});
+        Rasterizer raster(buffer, known ? usable[material] : nullptr,
+                          known ? mesh.materials[material].color
+                                : std::array<std::uint8_t, 4>{200, 200, 200, 255},
+                          blend);
         Projected p[3 + View::Planes];
         for (int k = 0; k < n; ++k) {
             const Corner& c = polygon[k];
@@ -389,6 +462,32 @@ void RenderModel(const PreparedMesh& mesh, const std::vector<const RgbaImage*>& 
         for (int k = 1; k + 1 < n; ++k) {
             raster.triangle(p[0], p[k], p[k + 1]);
         }
+    };
+    // The opaque triangles first, filling the depth; then the blended ones
+    // from the farthest to the nearest (by their centres), each over what
+    // lies behind it.
+    std::vector<std::pair<float, const MeshTriangle*>> later;
+    for (const MeshTriangle& t : mesh.triangles) {
+        if (std::any_of(t.corners.begin(), t.corners.end(), [&](std::uint32_t c) {
+                return c >= viewed.size() || c >= mesh.uvs.size();
+            })) {
+            continue;
+        }
+        if (t.material >= 0 && static_cast<std::size_t>(t.material) < blended.size() &&
+            blended[static_cast<std::size_t>(t.material)]) {
+            float depth = 0;
+            for (const std::uint32_t c : t.corners) {
+                depth += viewed[c][2];
+            }
+            later.emplace_back(depth, &t);
+            continue;
+        }
+        draw(t, false);
+    }
+    std::stable_sort(later.begin(), later.end(),
+                     [](const auto& a, const auto& b) { return a.first > b.first; });
+    for (const auto& [depth, t] : later) {
+        draw(*t, true);
     }
 }
 

@@ -107,23 +107,35 @@ bool CanDecodeDxt() {
 #endif
 }
 
+Reason UnknownFormatReason() {
+    return {"the pixel format is not one Korvel knows", "whyUnknownFormat", {}};
+}
+
+Reason SizeReason(std::uint32_t width, std::uint32_t height) {
+    const std::string w = std::to_string(width);
+    const std::string h = std::to_string(height);
+    return {"the size " + w + "x" + h + " is not one Korvel decodes", "whySize", {w, h}};
+}
+
 DecodedImage DecodePixels(PixelFormat format, std::uint32_t width, std::uint32_t height,
                           unsigned bitsPerPixel, std::string_view pixels,
                           std::string_view palette) {
     DecodedImage out;
     if (format == PixelFormat::Unknown) {
-        out.problem = "the pixel format is not one Korvel knows";
+        out.problem = UnknownFormatReason();
         return out;
     }
     if (width == 0 || height == 0 || width > MaxTextureSide || height > MaxTextureSide) {
-        out.problem = "the size " + std::to_string(width) + "x" + std::to_string(height) +
-                      " is not one Korvel decodes";
+        out.problem = SizeReason(width, height);
         return out;
     }
     const std::uint64_t need = LevelBytes(format, width, height, bitsPerPixel);
     if (pixels.size() < need) {
-        out.problem = "the pixels need " + std::to_string(need) + " bytes, only " +
-                      std::to_string(pixels.size()) + " are there";
+        const std::string needed = std::to_string(need);
+        const std::string there = std::to_string(pixels.size());
+        out.problem = {"the pixels need " + needed + " bytes, only " + there + " are there",
+                       "whyPixelsShort",
+                       {needed, there}};
         return out;
     }
     RgbaImage& image = out.image;
@@ -164,7 +176,9 @@ DecodedImage DecodePixels(PixelFormat format, std::uint32_t width, std::uint32_t
         break;
 #else
         out.image = {};
-        out.problem = "DXT textures cannot be decoded in this build (made without libsquish)";
+        out.problem = {"DXT textures cannot be decoded in this build (made without libsquish)",
+                       "whyNoDxt",
+                       {}};
         return out;
 #endif
     }

@@ -38,6 +38,11 @@ inline constexpr std::uint32_t MaxTextureSide = 8192;
 std::uint64_t LevelBytes(PixelFormat format, std::uint32_t width, std::uint32_t height,
                          unsigned bitsPerPixel);
 
+// The reasons a texture and its pixels share: a format Korvel does not know,
+// and a side of 0 or past MaxTextureSide.
+Reason UnknownFormatReason();
+Reason SizeReason(std::uint32_t width, std::uint32_t height);
+
 // Whether this build decodes DXT blocks (it is built with libsquish).
 bool CanDecodeDxt();
 

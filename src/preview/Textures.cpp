@@ -113,7 +113,7 @@ void ReadNative(ByteSource& source, std::uint64_t start, std::uint64_t at, std::
     const std::uint64_t structAt = at + 2 * RwChunkHeaderSize;
     if (end - structAt < HeaderBytes ||
         source.readAt(start + structAt, head, HeaderBytes) != HeaderBytes) {
-        t.problem = "the texture's header is cut short";
+        t.problem = {"the texture's header is cut short", "whyTexHeaderCut", {}};
         return;
     }
     t.platform = Le32(head);
@@ -125,12 +125,13 @@ void ReadNative(ByteSource& source, std::uint64_t start, std::uint64_t at, std::
     t.mipCount = static_cast<std::uint8_t>(head[85]);
     const auto compression = static_cast<std::uint8_t>(head[87]);
     if (t.platform != 8 && t.platform != 9) {
-        t.problem = "platform " + std::to_string(t.platform) + " is not a PC texture";
+        const std::string platform = std::to_string(t.platform);
+        t.problem = {"platform " + platform + " is not a PC texture", "whyTexPlatform", {platform}};
         return;
     }
     t.format = FormatOf(t.platform, t.rasterFormat, alphaOrCode, compression);
     if (t.format == PixelFormat::Unknown) {
-        t.problem = "the pixel format is not one Korvel knows";
+        t.problem = UnknownFormatReason();
         return;
     }
     std::uint64_t pos = structAt + HeaderBytes;
@@ -157,7 +158,7 @@ void ReadNative(ByteSource& source, std::uint64_t start, std::uint64_t at, std::
             }
         }
         if (t.palette.empty()) {
-            t.problem = "the palette is cut short";
+            t.problem = {"the palette is cut short", "whyTexPaletteCut", {}};
             return;
         }
     }
@@ -167,13 +168,16 @@ void ReadNative(ByteSource& source, std::uint64_t start, std::uint64_t at, std::
     for (std::uint32_t i = 0; i < levels; ++i) {
         char sizeField[4];
         if (end - pos < 4 || source.readAt(start + pos, sizeField, 4) != 4) {
-            t.problem = "level " + std::to_string(i) + " is missing";
+            const std::string n = std::to_string(i);
+            t.problem = {"level " + n + " is missing", "whyTexLevelMissing", {n}};
             return;
         }
         const std::uint32_t size = Le32(sizeField);
         pos += 4;
         if (size > end - pos) {
-            t.problem = "level " + std::to_string(i) + " runs past the end of the texture";
+            const std::string n = std::to_string(i);
+            t.problem = {
+                "level " + n + " runs past the end of the texture", "whyTexLevelPastEnd", {n}};
             return;
         }
         t.levels.push_back({w, h, pos, size});
@@ -182,7 +186,8 @@ void ReadNative(ByteSource& source, std::uint64_t start, std::uint64_t at, std::
         h = Half(h);
     }
     if (t.mipCount > MaxMipLevels) {
-        t.problem = "only the first " + std::to_string(MaxMipLevels) + " levels are read";
+        const std::string n = std::to_string(MaxMipLevels);
+        t.problem = {"only the first " + n + " levels are read", "whyTexLevelsCapped", {n}};
     }
 }
 
@@ -210,7 +215,8 @@ TextureDictionaryInfo ReadTextureDictionary(ByteSource& source, std::uint64_t st
 DecodedImage DecodeTextureLevel(ByteSource& source, std::uint64_t start, const TextureInfo& texture,
                                 std::size_t level) {
     if (level >= texture.levels.size()) {
-        return {{}, "the texture has no level " + std::to_string(level)};
+        const std::string n = std::to_string(level);
+        return {{}, {"the texture has no level " + n, "whyTexNoLevel", {n}}};
     }
     const TextureLevel& l = texture.levels[level];
     PixelFormat format = texture.format;
@@ -225,9 +231,7 @@ DecodedImage DecodeTextureLevel(ByteSource& source, std::uint64_t start, const T
         bits = l.size >= pixels * 4 ? 32 : 24;
     }
     if (l.width > MaxTextureSide || l.height > MaxTextureSide) {
-        return {{},
-                "the size " + std::to_string(l.width) + "x" + std::to_string(l.height) +
-                    " is not one Korvel decodes"};
+        return {{}, SizeReason(l.width, l.height)};
     }
     const std::uint64_t need =
         std::min<std::uint64_t>(l.size, LevelBytes(format, l.width, l.height, bits));

@@ -39,14 +39,14 @@ struct TextureInfo {
     std::string palette;              // RGBA entries of a PAL8/PAL4 texture
     std::vector<TextureLevel> levels; // the levels that are there
     // Empty when every level the native states is there; else why not all are.
-    std::string problem;
+    Reason problem;
 };
 
 struct TextureDictionaryInfo {
     std::vector<TextureInfo> textures;
     // Empty when the whole dictionary was read; else where reading stopped
     // (from the start of the entry) and why.
-    std::string stopped;
+    Reason stopped;
     std::uint64_t stoppedAt = 0;
 };
 

@@ -20,7 +20,7 @@ CollisionModelWalk WalkCollisionModels(ByteSource& source, std::uint64_t start,
             static_cast<std::size_t>(std::min<std::uint64_t>(ModelHeadBytes, length - at));
         const std::size_t got = source.readAt(start + at, head, want);
         if (got < ModelHeader) {
-            walk.stopped = "the file cannot be read past this point";
+            walk.stopped = {"the file cannot be read past this point", "whyColUnreadable", {}};
             walk.stoppedAt = at;
             break;
         }
@@ -29,9 +29,11 @@ CollisionModelWalk WalkCollisionModels(ByteSource& source, std::uint64_t start,
         }
         const std::uint32_t size = Le32(head + 4);
         if (size < NameFieldBytes || size > length - at - ModelHeader || got < ModelHeadBytes) {
-            walk.stopped = "model " + std::to_string(walk.models.size() + 1) +
-                           (size < NameFieldBytes ? " is too small to hold a name"
-                                                  : " runs past the end of the file");
+            const std::string n = std::to_string(walk.models.size() + 1);
+            walk.stopped =
+                size < NameFieldBytes
+                    ? Reason{"model " + n + " is too small to hold a name", "whyColNoName", {n}}
+                    : Reason{"model " + n + " runs past the end of the file", "whyColPastEnd", {n}};
             walk.stoppedAt = at;
             break;
         }

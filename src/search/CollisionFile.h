@@ -2,6 +2,7 @@
 // 4-byte tag, a 32-bit size of the rest, a 24-byte name field and a body.
 #pragma once
 
+#include "platform/Reason.h"
 #include "search/ByteSource.h"
 
 #include <cstdint>
@@ -26,7 +27,7 @@ struct CollisionModelWalk {
     std::vector<CollisionModelPlace> models;
     // Empty when the walk reached the end or the zero padding after the last
     // model; else why it stopped, and the offset where it did.
-    std::string stopped;
+    Reason stopped;
     std::uint64_t stoppedAt = 0;
 };
 

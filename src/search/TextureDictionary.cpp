@@ -15,14 +15,15 @@ constexpr std::uint32_t MinStructSize = 72;
 TextureNativeWalk WalkTextureNatives(ByteSource& source, std::uint64_t start,
                                      std::uint64_t length) {
     TextureNativeWalk walk;
-    const auto stop = [&walk](std::uint64_t at, std::string why) {
+    const auto stop = [&walk](std::uint64_t at, Reason why) {
         walk.stoppedAt = at;
         walk.stopped = std::move(why);
         return walk;
     };
     char head[TextureHeadBytes];
     if (length < FirstTexture || source.readAt(start, head, FirstTexture) != FirstTexture) {
-        return stop(0, "the entry is too short for a texture dictionary header");
+        return stop(0,
+                    {"the entry is too short for a texture dictionary header", "whyTxdShort", {}});
     }
     walk.count = Le16(head + 24);
     const std::uint32_t wanted = walk.count == 0 ? 1 : walk.count;
@@ -32,14 +33,16 @@ TextureNativeWalk WalkTextureNatives(ByteSource& source, std::uint64_t start,
         // `at` never exceeds `length`, so this cannot wrap.
         if (length - at < TextureHeadBytes ||
             source.readAt(start + at, head, TextureHeadBytes) != TextureHeadBytes) {
-            return stop(at, "the entry ends before texture " + std::to_string(i + 1));
+            const std::string n = std::to_string(i + 1);
+            return stop(at, {"the entry ends before texture " + n, "whyTxdEnds", {n}});
         }
         const std::uint32_t nativeSize = Le32(head + 4);
         const std::uint32_t structSize = Le32(head + 16);
         if (Le32(head) != RwTextureNativeId || Le32(head + 12) != RwStructId ||
             structSize < MinStructSize ||
             std::uint64_t{structSize} + RwChunkHeaderSize > nativeSize) {
-            return stop(at, "texture " + std::to_string(i + 1) + " is not a texture native");
+            const std::string n = std::to_string(i + 1);
+            return stop(at, {"texture " + n + " is not a texture native", "whyTxdNotNative", {n}});
         }
         walk.natives.push_back(
             {at,
@@ -49,7 +52,9 @@ TextureNativeWalk WalkTextureNatives(ByteSource& source, std::uint64_t start,
              {std::string(FieldText(head + 32, 32)), std::string(FieldText(head + 64, 32))}});
         const std::uint64_t next = at + RwChunkHeaderSize + nativeSize;
         if (next > length) {
-            return stop(at, "texture " + std::to_string(i + 1) + " runs past the end of the entry");
+            const std::string n = std::to_string(i + 1);
+            return stop(at,
+                        {"texture " + n + " runs past the end of the entry", "whyTxdPastEnd", {n}});
         }
         at = next;
     }

@@ -4,6 +4,7 @@
 // the place this walk found it.
 #pragma once
 
+#include "platform/Reason.h"
 #include "search/ByteSource.h"
 
 #include <cstdint>
@@ -36,7 +37,7 @@ struct TextureNativeWalk {
     std::uint32_t count = 0; // the dictionary's 16-bit count field
     // Empty when the walk ended at the count; else why it stopped early, and
     // the entry offset where it did.
-    std::string stopped;
+    Reason stopped;
     std::uint64_t stoppedAt = 0;
 };
 

@@ -5,12 +5,26 @@
 
 namespace korvel {
 
-std::string StatusText(const Settings& texts, const Status& status) {
-    if (status.textKey().empty()) {
-        return status.error();
+namespace {
+
+std::string KeyedText(const Settings& texts, const std::string& english, const std::string& key,
+                      const std::vector<std::string>& arguments) {
+    if (key.empty()) {
+        return english;
     }
-    const std::string text = texts.LookupFilled(status.textKey(), status.arguments());
-    return text == SettingsError ? status.error() : text;
+    const std::string text = texts.LookupFilled(key, arguments);
+    return text == SettingsError ? english : text;
+}
+
+} // namespace
+
+std::string StatusText(const Settings& texts, const Status& status) {
+    return KeyedText(texts, status.error(), status.textKey(), status.arguments());
+}
+
+std::string ReasonText(const Settings& texts, const Reason& reason) {
+    return reason.empty() ? std::string()
+                          : KeyedText(texts, reason.english, reason.textKey, reason.arguments);
 }
 
 std::string FileFailureText(const Settings& texts, const std::string& error,

@@ -3,6 +3,7 @@
 // same thing in the person's language.
 #pragma once
 
+#include "platform/Reason.h"
 #include "platform/Status.h"
 #include "settings/Settings.h"
 
@@ -14,6 +15,9 @@ namespace korvel {
 // arguments filled in, or its English text when it has no key or the language
 // lacks it. Empty for success.
 std::string StatusText(const Settings& texts, const Status& status);
+
+// Why a reader stopped, said the same way: empty when it did not.
+std::string ReasonText(const Settings& texts, const Reason& reason);
 
 // text(ohCrap1), the system's description, and the file or entry concerned
 // on a line of its own when there is one.

@@ -131,6 +131,15 @@ void Settings::StoreWindowPlace(std::string_view base64) {
     WriteSetting(base64, "windowPlace");
 }
 
+std::string Settings::ModelShadingWord() const {
+    const std::string word = ToLowerCp1252(ReadSetting("modelShading"));
+    return word == "smooth" || word == "wire" ? word : std::string("flat");
+}
+
+void Settings::StoreModelShading(std::string_view word) {
+    WriteSetting(word, "modelShading");
+}
+
 std::optional<std::vector<int>> Settings::ListColumnWidths() const {
     // Wider than any screen, or too narrow to grab, is a hand-edited or
     // damaged value: the designed widths are better than an unusable list.

@@ -55,6 +55,10 @@ public:
     // nothing unless every one is a plausible width.
     std::optional<std::vector<int>> ListColumnWidths() const;
     void StoreListColumnWidths(const std::vector<int>& widths);
+    // How the model view draws (`modelShading`): "flat", "smooth" or "wire",
+    // in lower case whatever case the file has; "flat" for anything else.
+    std::string ModelShadingWord() const;
+    void StoreModelShading(std::string_view word);
 
     void EnsureSettingsFile();
     void WriteDefaultSettings();

@@ -2,6 +2,7 @@
 
 #include "platform/Cp1252.h"
 #include "preview/ModelMesh.h"
+#include "settings/FailureTexts.h"
 #include "ui/ModelView.h"
 #include "window/Editor.h"
 
@@ -45,6 +46,25 @@ QTreeWidget* NamedTree(const char* name) {
     return tree;
 }
 
+// Each way of drawing: its button and its word in korvel.ini.
+struct ShadingButton {
+    const char* objectName;
+    ModelShading shading;
+    const char* word;
+};
+constexpr ShadingButton Shadings[] = {{"modelFlat", ModelShading::Flat, "flat"},
+                                      {"modelSmooth", ModelShading::Smooth, "smooth"},
+                                      {"modelWire", ModelShading::Wireframe, "wire"}};
+
+ModelShading ShadingOfWord(const std::string& word) {
+    for (const ShadingButton& s : Shadings) {
+        if (word == s.word) {
+            return s.shading;
+        }
+    }
+    return ModelShading::Flat;
+}
+
 } // namespace
 
 ModelPage::ModelPage(Editor& editor, QWidget* parent)
@@ -54,11 +74,8 @@ ModelPage::ModelPage(Editor& editor, QWidget* parent)
     view_->setObjectName(QStringLiteral("modelView"));
     auto* tools = new QHBoxLayout;
     tools->setContentsMargins(0, 0, 0, 0);
-    const std::pair<const char*, ModelShading> shadings[] = {
-        {"modelFlat", ModelShading::Flat},
-        {"modelSmooth", ModelShading::Smooth},
-        {"modelWire", ModelShading::Wireframe}};
-    for (const auto& [name, shading] : shadings) {
+    view_->setShading(ShadingOfWord(editor_.settings().ModelShadingWord()));
+    for (const auto& [name, shading, word] : Shadings) {
         auto* button = new QToolButton;
         button->setObjectName(QString::fromLatin1(name));
         button->setCheckable(true);
@@ -67,8 +84,15 @@ ModelPage::ModelPage(Editor& editor, QWidget* parent)
         shadings_->addButton(button, static_cast<int>(shading));
         tools->addWidget(button);
     }
-    connect(shadings_, &QButtonGroup::idClicked, this,
-            [this](int id) { view_->setShading(static_cast<ModelShading>(id)); });
+    connect(shadings_, &QButtonGroup::idClicked, this, [this](int id) {
+        const auto shading = static_cast<ModelShading>(id);
+        view_->setShading(shading);
+        for (const auto& [name, each, word] : Shadings) {
+            if (each == shading) {
+                editor_.settings().StoreModelShading(word);
+            }
+        }
+    });
     fit_->setObjectName(QStringLiteral("modelFit"));
     static_cast<QToolButton*>(fit_)->setAutoRaise(true);
     connect(fit_, &QAbstractButton::clicked, view_, &ModelView::fit);
@@ -166,7 +190,7 @@ void ModelPage::Clear() {
     textures_->clear();
     textureNames_.clear();
     textureMissing_.clear();
-    stopReason_.clear();
+    stopReason_ = {};
     geometries_ = vertices_ = triangles_ = materials_ = 0;
     fillTexts();
 }
@@ -219,7 +243,8 @@ void ModelPage::fillTexts() {
             item->setText(0, Shown(textureNames_[i]));
         }
     }
-    stopped_->setText(Q(s.LookupFilled("mdlStopped", {std::to_string(stopOffset_), stopReason_})));
+    stopped_->setText(
+        Q(s.LookupFilled("mdlStopped", {std::to_string(stopOffset_), ReasonText(s, stopReason_)})));
     stopped_->setVisible(!stopReason_.empty());
 }
 

@@ -71,7 +71,7 @@ private:
     bool drawable_ = false;
     std::vector<std::string> textureNames_;
     std::vector<bool> textureMissing_;
-    std::string stopReason_;
+    Reason stopReason_;
     std::uint64_t stopOffset_ = 0;
 };
 

@@ -2,6 +2,7 @@
 
 #include "platform/Cp1252.h"
 #include "preview/EntryBytes.h"
+#include "settings/FailureTexts.h"
 #include "ui/ModelPage.h"
 #include "ui/PreviewViews.h"
 #include "ui/TextureImages.h"
@@ -218,6 +219,7 @@ QWidget* PreviewPane::buildTexturePage() {
         bar->addWidget(b);
     };
     button(back_, QStyle::SP_ArrowBack);
+    back_->setObjectName(QStringLiteral("PreviewBack"));
     button(zoomOut_, QStyle::SP_CustomBase);
     button(zoomIn_, QStyle::SP_CustomBase);
     button(fit_, QStyle::SP_CustomBase);
@@ -242,6 +244,12 @@ QWidget* PreviewPane::buildTexturePage() {
     connect(back_, &QToolButton::clicked, this, [this] {
         textureShown_ = -1;
         ++levelGeneration_;
+        // The line said why the texture could not be shown; the grid gets
+        // back its own (where reading the dictionary stopped, or none).
+        if (shown_) {
+            const EntryPreview& p = shown_->preview;
+            showProblemLine(p.textures.stopped, p.textures.stoppedAt, p.cut, p.problem);
+        }
         pages_->setCurrentWidget(grid_);
         grid_->setFocus();
     });
@@ -523,16 +531,17 @@ void PreviewPane::showResult(const std::shared_ptr<Result>& result) {
     emit entryShown(QString::fromStdString(Cp1252ToUtf8(result->entry.name)));
 }
 
-void PreviewPane::showProblemLine(const std::string& stopped, std::uint64_t stoppedAt, bool cut,
-                                  const std::string& problem) {
+void PreviewPane::showProblemLine(const Reason& stopped, std::uint64_t stoppedAt, bool cut,
+                                  const Reason& problem) {
     QStringList lines;
     const Settings& settings = editor_.settings();
     if (!problem.empty()) {
-        lines << QString::fromStdString(settings.LookupFilled("prvUnreadable", {problem}));
+        lines << QString::fromStdString(
+            settings.LookupFilled("prvUnreadable", {ReasonText(settings, problem)}));
     }
     if (!stopped.empty()) {
-        lines << QString::fromStdString(
-            settings.LookupFilled("prvStopped", {std::to_string(stoppedAt), stopped}));
+        lines << QString::fromStdString(settings.LookupFilled(
+            "prvStopped", {std::to_string(stoppedAt), ReasonText(settings, stopped)}));
     }
     if (cut) {
         lines << QString::fromStdString(
@@ -551,7 +560,7 @@ QString PreviewPane::textureTip(const TextureInfo& t) const {
             .arg(text("prvFormat"), QString::fromLatin1(PixelFormatName(t.format)));
     tip += QStringLiteral("%1: %2\n%3").arg(text("prvMips")).arg(t.mipCount).arg(text("prvDrag"));
     if (!t.problem.empty()) {
-        tip += '\n' + QString::fromStdString(t.problem);
+        tip += '\n' + QString::fromStdString(ReasonText(editor_.settings(), t.problem));
     }
     return tip;
 }
@@ -629,9 +638,10 @@ void PreviewPane::decodeShownLevel() {
     pool_.start([this, request, generation, texture, level, entry, dataPath] {
         const DecodedImage decoded = DecodeEntryTexture(dataPath, entry, texture, level);
         const QImage image = decoded.problem.empty() ? ToQImage(decoded.image) : QImage();
-        const std::string problem = decoded.problem.empty() && image.isNull()
-                                        ? std::string("the image is too large to show")
-                                        : decoded.problem;
+        const Reason problem =
+            decoded.problem.empty() && image.isNull()
+                ? Reason{"the image is too large to show", "whyImageTooLarge", {}}
+                : decoded.problem;
         QMetaObject::invokeMethod(
             this,
             [this, request, generation, image, problem] {
@@ -639,10 +649,11 @@ void PreviewPane::decodeShownLevel() {
                     return;
                 }
                 textureView_->showImage(image);
-                status_->setText(problem.empty()
-                                     ? QString()
-                                     : QString::fromStdString(editor_.settings().LookupFilled(
-                                           "prvNoImage", {problem})));
+                status_->setText(
+                    problem.empty()
+                        ? QString()
+                        : QString::fromStdString(editor_.settings().LookupFilled(
+                              "prvNoImage", {ReasonText(editor_.settings(), problem)})));
                 status_->setVisible(!problem.empty());
             },
             Qt::QueuedConnection);
@@ -690,7 +701,7 @@ void PreviewPane::showCollision(const CollisionInfo& info) {
         for (int c = 0; c < cells.size(); ++c) {
             auto* cell = new QTableWidgetItem(cells[c]);
             if (!m.problem.empty()) {
-                cell->setToolTip(QString::fromStdString(m.problem));
+                cell->setToolTip(QString::fromStdString(ReasonText(editor_.settings(), m.problem)));
             }
             collisions_->setItem(static_cast<int>(i), c, cell);
         }

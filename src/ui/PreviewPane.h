@@ -100,8 +100,8 @@ private:
     void startRead(const Entry& entry);
     void showResult(const std::shared_ptr<Result>& result);
     void showThumbnails(std::uint64_t generation, int first, const std::vector<QImage>& images);
-    void showProblemLine(const std::string& stopped, std::uint64_t stoppedAt, bool cut,
-                         const std::string& problem);
+    void showProblemLine(const Reason& stopped, std::uint64_t stoppedAt, bool cut,
+                         const Reason& problem);
     void showTextures(const TextureDictionaryInfo& info);
     void showCollision(const CollisionInfo& info);
     void showAnimation(const AnimationPackage& package);

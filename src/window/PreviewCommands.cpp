@@ -3,6 +3,7 @@
 #include "archive/EntryFiles.h"
 #include "platform/Cp1252.h"
 #include "preview/EntryPreview.h"
+#include "settings/FailureTexts.h"
 
 #include <filesystem>
 #include <system_error>
@@ -98,19 +99,30 @@ void PreviewExports::ExportModelAsking(const Entry& entry) {
     if (extension != ".glb" && extension != ".obj") {
         out += ".glb";
     }
-    std::error_code ec;
-    if (fs::exists(out, ec) &&
-        !editor_.desktop().AskYesNo(editor_.text("prvOverwrite") + "\r\n" + out.string(),
-                                    editor_.text("prvExportModel"))) {
+    const ModelExportFiles prepared = PrepareModelExport(editor_.archive(), entry, out);
+    if (!prepared.status.ok()) {
+        Report({}, {StatusText(editor_.settings(), prepared.status)});
         return;
     }
-    std::vector<std::string> missing;
-    if (const Status s = ExportModel(editor_.archive(), entry, out, missing); !s.ok()) {
-        Report({}, {s.error()});
+    // An OBJ brings its MTL and PNGs beside it: one question names every file
+    // the export would write over, or nothing is written.
+    std::string existing;
+    for (const fs::path& path : prepared.paths()) {
+        std::error_code ec;
+        if (fs::exists(path, ec)) {
+            existing += "\r\n" + path.string();
+        }
+    }
+    if (!existing.empty() && !editor_.desktop().AskYesNo(editor_.text("prvOverwrite") + existing,
+                                                         editor_.text("prvExportModel"))) {
+        return;
+    }
+    if (const Status s = WriteModelExport(editor_.archive(), prepared); !s.ok()) {
+        Report({}, {StatusText(editor_.settings(), s)});
         return;
     }
     std::vector<std::string> problems;
-    for (const std::string& name : missing) {
+    for (const std::string& name : prepared.missing) {
         problems.push_back(editor_.text("prvMissing") + " " + ShownName(name));
     }
     Report(editor_.text("prvModelWritten") + " " + out.string(), problems);

@@ -94,6 +94,24 @@ TEST(CliPreview, PrintsInfoLinesAndExports) {
               0);
     EXPECT_NE(ReadAll(folder / "o" / "m.mtl").find("map_Kd nitro.png"), std::string::npos);
     EXPECT_TRUE(fs::exists(folder / "o" / "nitro.png"));
+    // Again: the MTL beside the OBJ is kept unless --overwrite; exit 1 if not chosen.
+    const struct {
+        const char* option;
+        int exitCode;
+        bool kept;
+    } again[] = {{"", 1, true}, {"--no-overwrite", 0, true}, {"--overwrite", 0, false}};
+    for (const auto& a : again) {
+        test::WriteBytes(folder / "o" / "m.mtl", "mine");
+        std::vector<std::string> args = {"export-model", p, "nitro.dff",
+                                         (folder / "o" / "m.obj").string()};
+        if (*a.option)
+            args.push_back(a.option);
+        const auto r = RunCli(args);
+        EXPECT_EQ(r.exitCode, a.exitCode) << a.option << r.err;
+        const std::string skipped = "skipped " + (folder / "o" / "m.mtl").string() + ": the file";
+        EXPECT_EQ(r.err.find(skipped) != std::string::npos, a.kept) << r.err;
+        EXPECT_EQ(ReadAll(folder / "o" / "m.mtl") == "mine", a.kept) << a.option;
+    }
 
     // The texture is looked for in every dictionary, not only the one of the
     // model's name; one found nowhere is named, and the model still written.

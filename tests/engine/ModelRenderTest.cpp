@@ -19,6 +19,7 @@ struct Quad {
     float x;
     std::array<float, 8> yz; // four corners (y, z), round the quad
     std::uint8_t red, green;
+    std::uint8_t alpha = 255;
 };
 
 ModelInfo Model(const std::vector<Quad>& quads) {
@@ -33,7 +34,7 @@ ModelInfo Model(const std::vector<Quad>& quads) {
             g.uvs.insert(g.uvs.end(), {k == 1 || k == 2 ? 1.0f : 0.0f, k >= 2 ? 1.0f : 0.0f});
         }
         const auto material = static_cast<std::uint16_t>(g.materials.size());
-        g.materials.push_back({{q.red, q.green, 0, 255}, "", ""});
+        g.materials.push_back({{q.red, q.green, 0, q.alpha}, "", ""});
         g.triangles.push_back({base, static_cast<std::uint16_t>(base + 1),
                                static_cast<std::uint16_t>(base + 2), material});
         g.triangles.push_back({base, static_cast<std::uint16_t>(base + 2),
@@ -42,8 +43,7 @@ ModelInfo Model(const std::vector<Quad>& quads) {
     return m;
 }
 
-// Each pixel as '.' (background), 'r' (more red than green) or 'g'.
-std::string Draw(const PreparedMesh& mesh, const RgbaImage* texture = nullptr) {
+RenderBuffer Rendered(const PreparedMesh& mesh, const RgbaImage* texture = nullptr) {
     ModelCamera camera;
     camera.distance = 2;
     camera.fovY = 3.14159265f / 2;
@@ -51,6 +51,12 @@ std::string Draw(const PreparedMesh& mesh, const RgbaImage* texture = nullptr) {
     buffer.reset(8, 8, 0xFF000000u);
     RenderModel(mesh, std::vector<const RgbaImage*>(mesh.materials.size(), texture), camera,
                 ModelShading::Smooth, buffer);
+    return buffer;
+}
+
+// Each pixel as '.' (background), 'r' (more red than green) or 'g'.
+std::string Draw(const PreparedMesh& mesh, const RgbaImage* texture = nullptr) {
+    const RenderBuffer buffer = Rendered(mesh, texture);
     std::string rows;
     for (int i = 0; i < 64; ++i) {
         const std::uint32_t c = buffer.color[static_cast<std::size_t>(i)];
@@ -105,6 +111,40 @@ TEST(ModelRender, CoversTheProjectedPixelsNearestFirst) {
     crafted.triangles[1].material = 7; // drawn in the grey of no material
     EXPECT_EQ(Draw(crafted),
               "........|g.......|g.......|gg......|gg......|ggg.....|ggg.....|gggg....|");
+}
+
+// See-through materials are drawn after the opaque ones, farthest first, each
+// mixed by its alpha over what lies behind it; behind an opaque one it is hidden.
+TEST(ModelRender, SeeThroughMaterialsBlendOverWhatLiesBehind) {
+    // Row 3, column 3: on the diagonal the two triangles of a quad share.
+    const auto pixel = [](const std::vector<Quad>& quads) {
+        const std::uint32_t c = Rendered(PrepareModelMesh(Model(quads))).color[27];
+        return std::array<float, 2>{static_cast<float>(c >> 16 & 0xFF),
+                                    static_cast<float>(c >> 8 & 0xFF)};
+    };
+    constexpr std::array<float, 8> Whole{-2, 2, 2, 2, 2, -2, -2, -2};
+    const float red = pixel({{0, Whole, 255, 0}})[0];
+    const float green = pixel({{0, Whole, 0, 255}})[1];
+    const struct {
+        const char* what;
+        std::vector<Quad> quads;
+        float expectRed, expectGreen;
+    } cases[] = {
+        {"half green in front, listed first",
+         {{1, Whole, 0, 255, 128}, {0, Whole, 255, 0}},
+         red * 0.5f,
+         green * 0.5f},
+        {"half green behind opaque red", {{0, Whole, 255, 0}, {-1, Whole, 0, 255, 128}}, red, 0},
+        {"two halves, the nearer listed first",
+         {{1, Whole, 0, 255, 128}, {0, Whole, 255, 0, 128}},
+         red * 0.25f,
+         green * 0.5f},
+    };
+    for (const auto& c : cases) {
+        const auto [r, g] = pixel(c.quads);
+        EXPECT_NEAR(r, c.expectRed, 2) << c.what;
+        EXPECT_NEAR(g, c.expectGreen, 2) << c.what;
+    }
 }
 
 // Texture coordinates run down the image from its top-left corner: a 2x2

@@ -59,6 +59,31 @@ TEST_F(PreviewExportsTest, WritesTheTextureOnlyWhereThePersonAgreedToWriteOver) 
     }
 }
 
+// One question names each MTL and PNG that exists; "no" writes no file.
+TEST_F(PreviewExportsTest, AModelAsksOnceAboutEveryFileItWouldWriteOver) {
+    const auto real = std::filesystem::path(KORVEL_SOURCE_DIR) / "../shared/testdata/real";
+    if (!std::filesystem::exists(real / "nitro.dff"))
+        GTEST_SKIP() << "the real test files are not there";
+    WriteArchiveOf(folder / "m.img", {{"nitro.dff", ReadBytes(real / "nitro.dff")},
+                                      {"nitro.txd", ReadBytes(real / "nitro.txd")}});
+    ASSERT_TRUE(editor.OpenArchive((folder / "m.img").string()));
+    const auto out = folder / "out";
+    for (const std::string answer : {"no", "yes"}) {
+        std::filesystem::remove_all(out);
+        std::filesystem::create_directory(out);
+        WriteBytes(out / "m.mtl", "mine");
+        WriteBytes(out / "nitro.png", "mine");
+        desktop.answers = {(out / "m.obj").string(), answer};
+        PreviewExports(editor).ExportModelAsking(editor.table()[0]);
+        const auto asked = desktop.said("ask ");
+        const std::string named = (out / "m.mtl").string() + "\r\n" + (out / "nitro.png").string();
+        ASSERT_TRUE(desktop.answers.empty() && !asked.empty()) << answer;
+        EXPECT_NE(asked.back().find(named + " -> " + answer), std::string::npos) << asked.back();
+        EXPECT_EQ(std::filesystem::exists(out / "m.obj"), answer == "yes");
+        EXPECT_EQ(ReadBytes(out / "nitro.png") == "mine", answer == "no");
+    }
+}
+
 TEST_F(PreviewExportsTest, ADraggedTextureIsAPngInItsOwnHandOverFolder) {
     WriteArchiveOf(folder / "t.img", {{"t.txd", OneTextureDictionary("wall")}});
     ASSERT_TRUE(editor.OpenArchive((folder / "t.img").string()));

@@ -97,7 +97,7 @@ TEST(PixelDecoders, DecodeEachFormatPixelByPixel) {
             continue;
         }
         const DecodedImage d = DecodePixels(c.format, c.width, c.height, c.bits, c.bytes, palette);
-        ASSERT_EQ(d.problem, "") << c.what;
+        ASSERT_EQ(d.problem.english, "") << c.what;
         EXPECT_EQ(d.image.pixels, c.expected) << c.what;
     }
 }
@@ -119,7 +119,7 @@ TEST(PixelDecoders, RefuseWhatCannotBeDecoded) {
     };
     for (const Case& c : cases) {
         const DecodedImage d = DecodePixels(c.format, c.width, c.height, 32, c.bytes);
-        EXPECT_NE(d.problem, "") << c.what;
+        EXPECT_NE(d.problem.english, "") << c.what;
         EXPECT_TRUE(d.image.pixels.empty()) << c.what;
     }
 }

@@ -60,7 +60,7 @@ TEST(TextureDictionaryPreview, ReadsDirect3D8And9NativesAndStopsAtDamage) {
     MemorySource source(dict);
     const TextureDictionaryInfo info = ReadTextureDictionary(source, 0, dict.size());
     ASSERT_EQ(info.textures.size(), 3u);
-    EXPECT_EQ(info.stopped, "");
+    EXPECT_EQ(info.stopped.english, "");
     const TextureInfo& p = info.textures[0];
     EXPECT_EQ(std::tie(p.name, p.mask, p.platform, p.width, p.height, p.mipCount),
               std::make_tuple("pal", "mpal", 8u, 4u, 2u, 3u));
@@ -75,14 +75,14 @@ TEST(TextureDictionaryPreview, ReadsDirect3D8And9NativesAndStopsAtDamage) {
               (std::vector<std::uint8_t>{3, 2, 1, 4}));
     EXPECT_EQ(info.textures[2].format, PixelFormat::Dxt3);
     EXPECT_TRUE(info.textures[2].levels.empty());
-    EXPECT_NE(info.textures[2].problem, "");
+    EXPECT_NE(info.textures[2].problem.english, "");
 
     // Cut inside the second texture: the first is read, and where it stopped is said.
     const std::size_t cutAt = 28 + pal8.size() + 40;
     const TextureDictionaryInfo cut = ReadTextureDictionary(source, 0, cutAt);
     EXPECT_EQ(cut.textures.size(), 1u);
     EXPECT_EQ(cut.stoppedAt, 28 + pal8.size());
-    EXPECT_NE(cut.stopped, "");
+    EXPECT_NE(cut.stopped.english, "");
 }
 
 std::string Frame(float x, std::int32_t parent) {
@@ -122,7 +122,7 @@ std::string OldClump() {
 TEST(ModelPreview, ReadsFramesGeometryAndMaterialsOfAnOldClump) {
     const std::string clump = OldClump();
     const ModelInfo m = ReadModel(clump);
-    EXPECT_EQ(m.stopped, "");
+    EXPECT_EQ(m.stopped.english, "");
     ASSERT_EQ(m.frames.size(), 2u);
     EXPECT_EQ(std::tie(m.frames[0].name, m.frames[0].parent), std::make_tuple("", -1));
     EXPECT_EQ(std::tie(m.frames[1].name, m.frames[1].parent), std::make_tuple("wheel", 0));
@@ -144,7 +144,7 @@ TEST(ModelPreview, ReadsFramesGeometryAndMaterialsOfAnOldClump) {
     // Every cut gives what was read before it, never more than the whole.
     for (std::size_t n = 0; n < clump.size(); n += 7) {
         const ModelInfo part = ReadModel(std::string_view(clump).substr(0, n));
-        EXPECT_NE(part.stopped, "") << n;
+        EXPECT_NE(part.stopped.english, "") << n;
         EXPECT_LE(part.frames.size(), 2u);
         if (n >= clump.size() - 40) { // all but the atomic
             EXPECT_EQ(part.geometries.size(), 1u) << n;
@@ -222,13 +222,14 @@ TEST(CollisionPreview, ReadsACol2ModelAndNotesACountPastItsBody) {
     const CollisionInfo info = ReadCollisionFile(Col2(172));
     ASSERT_EQ(info.models.size(), 1u);
     const CollisionModel& m = info.models[0];
-    EXPECT_EQ(std::tie(m.name, m.version, m.id, m.problem), std::make_tuple("two", "COL2", 7, ""));
+    EXPECT_EQ(std::tie(m.name, m.version, m.id, m.problem.english),
+              std::make_tuple("two", "COL2", 7, std::string()));
     ASSERT_EQ(m.spheres.size(), 1u);
     EXPECT_EQ(m.spheres[0].radius, 2.5f);
     EXPECT_EQ(m.boxes.size(), 1u);
     EXPECT_EQ(m.vertices, (std::vector<float>{1, 0, 0, 0, 2, 0, 0, 0, -256}));
     EXPECT_EQ(m.faces.size(), 1u);
-    EXPECT_NE(ReadCollisionFile(Col2(200)).models.at(0).problem, "");
+    EXPECT_NE(ReadCollisionFile(Col2(200)).models.at(0).problem.english, "");
 }
 
 std::string RealFile(const std::string& name) {
@@ -261,11 +262,11 @@ TEST(PreviewReaders, ReadRealThirdPartyFiles) {
                     std::to_string(t.mipCount) + ";";
             EXPECT_EQ(t.levels.size(), t.mipCount) << file;
             if (CanDecodeDxt()) {
-                EXPECT_EQ(DecodeTextureLevel(source, 0, t, 0).problem, "") << file;
+                EXPECT_EQ(DecodeTextureLevel(source, 0, t, 0).problem.english, "") << file;
             }
         }
         EXPECT_EQ(seen, expected);
-        EXPECT_EQ(info.stopped, "") << file;
+        EXPECT_EQ(info.stopped.english, "") << file;
     }
     for (const auto& [file, frame] : std::vector<std::pair<std::string, std::string>>{
              {"cube.dff", "Cube"}, {"monkey.dff", "Suzanne"}, {"nitro.dff", "nitro"}}) {
@@ -274,7 +275,7 @@ TEST(PreviewReaders, ReadRealThirdPartyFiles) {
         EXPECT_EQ(m.frames[0].name, frame);
         ASSERT_EQ(m.geometries.size(), 1u) << file;
         EXPECT_EQ(m.geometries[0].positions.size(), m.geometries[0].vertexCount * 3) << file;
-        EXPECT_EQ(m.stopped, "") << file;
+        EXPECT_EQ(m.stopped.english, "") << file;
     }
     const std::vector<std::pair<std::string, std::string>> collisions = {
         {"cube-1.col", "LARGE COLL 24 12;"},
@@ -288,7 +289,7 @@ TEST(PreviewReaders, ReadRealThirdPartyFiles) {
         for (const CollisionModel& m : info.models) {
             seen += m.name + " " + m.version + " " + std::to_string(m.vertices.size() / 3) + " " +
                     std::to_string(m.faces.size()) + ";";
-            EXPECT_EQ(m.problem, "") << file;
+            EXPECT_EQ(m.problem.english, "") << file;
         }
         EXPECT_EQ(seen, expected);
     }

@@ -15,6 +15,7 @@ class ModelPageTest : public QObject {
     Q_OBJECT
 private slots:
     void showsWhatTheModelHolds();
+    void remembersTheShading();
 };
 
 void ModelPageTest::showsWhatTheModelHolds() {
@@ -31,7 +32,7 @@ void ModelPageTest::showsWhatTheModelHolds() {
     g.materials = {{{255, 255, 255, 255}, "Body", ""}, {{255, 255, 255, 255}, "glass", ""}};
     model.geometries = {g, g};
     model.atomics = {{2, 0}};
-    model.stopped = "the clump ends early";
+    model.stopped = {"a chunk lacks its struct", "whyDffNoStruct", {}};
     model.stoppedAt = 123;
     page.ShowModel(model, {}, {"GLASS"});
 
@@ -49,7 +50,7 @@ void ModelPageTest::showsWhatTheModelHolds() {
              QStringLiteral("Body|glass (fehlt)"));
     auto* stopped = page.findChild<QLabel*>("modelStopped");
     QCOMPARE(stopped->text(),
-             QStringLiteral("Lesen bei Byte 123 angehalten: the clump ends early"));
+             QStringLiteral("Lesen bei Byte 123 angehalten: einem Block fehlt seine Struktur"));
     QVERIFY(!stopped->isHidden());
 
     auto* view = page.findChild<korvel::ui::ModelView*>("modelView");
@@ -74,4 +75,20 @@ void ModelPageTest::showsWhatTheModelHolds() {
 }
 
 QTEST_MAIN(ModelPageTest)
+// A page starts with the shading korvel.ini holds (any case; else flat).
+void ModelPageTest::remembersTheShading() {
+    korvel::test::WindowEnv env;
+    korvel::Editor& editor = env.start().editor();
+    const std::pair<const char*, korvel::ModelShading> stored[] = {
+        {"WIRE", korvel::ModelShading::Wireframe}, {"shiny", korvel::ModelShading::Flat}};
+    for (const auto& [word, shading] : stored) {
+        env.settings.WriteSetting(word, "modelShading");
+        korvel::ui::ModelPage page(editor);
+        QCOMPARE(page.findChild<korvel::ui::ModelView*>("modelView")->shading(), shading);
+    }
+    korvel::ui::ModelPage page(editor);
+    page.findChild<QAbstractButton*>("modelSmooth")->click();
+    QCOMPARE(env.settings.ReadSetting("modelShading"), std::string("smooth"));
+}
+
 #include "ModelPageTest.moc"

@@ -7,6 +7,7 @@
 #include "ui/ArchiveView.h"
 #include "ui/PreviewPane.h"
 
+#include <QAbstractButton>
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QSignalSpy>
@@ -153,6 +154,11 @@ void PreviewPaneTest::aTextureOpenAtFullSizeStaysOpenWhenTheDataFileChanges() {
     pane->refresh();
     QVERIFY(shown.wait(5000));
     QCOMPARE(pane->currentPage()->objectName(), QString("PreviewTexture"));
+    // The line saying why this texture cannot be shown leaves with it.
+    auto* status = pane->findChild<QWidget*>("PreviewStatus");
+    QTRY_VERIFY(!status->isHidden());
+    pane->findChild<QAbstractButton*>("PreviewBack")->click();
+    QVERIFY(status->isHidden());
 }
 
 QTEST_MAIN(PreviewPaneTest)
