@@ -209,7 +209,12 @@ public:
             if (undone.empty()) {
                 undone = RemoveJournal(journal);
             }
-            if (!undone.empty()) {
+            // Which records the next open finds is decided by the journal
+            // alone: while it is there, the open writes the new records whole
+            // over whatever the failed undo left. Once it is gone (only the
+            // folder's flush failed) the old records, put back, stand.
+            std::error_code ec;
+            if (!undone.empty() && fs::exists(fs::symlink_status(journal, ec))) {
                 return {Status::Failed(error + "; the old records could not be put back (" +
                                        undone + "), the next open finishes the change"),
                         false};

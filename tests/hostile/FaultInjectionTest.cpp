@@ -2,7 +2,8 @@
 // reaches: the archive that the next open finds reads as the old one or the
 // new one, byte for byte, korvel.ini is the old file or the new one, and no
 // temporary file is left. The same for the one-file twin of the archive, whose
-// records fill their sector, so that adding grows them.
+// records fill their sector, so that adding grows them (and a failed records
+// write fails to undo too).
 #include "TestFolder.h"
 #include "archive/EntryOperations.h"
 #include "archive/Marker.h"
@@ -68,9 +69,12 @@ TEST(FaultInjection, EveryWritePathLeavesTheOldArchiveOrTheNewOne) {
         Settings(ini, KORVEL_LANG_INI).WriteSetting("old", "recent1");
         Archive archive, reopened;
         EXPECT_FALSE(OpenArchiveFiles(archive, img.string()).has_value());
+        bool failNext = false;
         SetStepHook([&](std::string_view step) {
             const std::string counted(step == "copy" ? StepWrite : step);
-            return ++reached[counted] == n && counted == kind ? FsError("injected") : FsError();
+            const bool fail = (++reached[counted] == n && counted == kind) || failNext;
+            failNext = fail && !failNext && kind.starts_with("records");
+            return fail ? FsError("injected") : FsError();
         });
         run(archive);
         SetStepHook({});
@@ -87,7 +91,8 @@ TEST(FaultInjection, EveryWritePathLeavesTheOldArchiveOrTheNewOne) {
         const std::string after = attempt(run, {}, 0, reached);
         const std::string before = attempt([](Archive&) {}, {}, 0, ignored);
         EXPECT_NE(after, before) << name;
-        for (const std::string_view kind : {StepWrite, StepFlush, StepRename}) {
+        for (const std::string_view kind :
+             {StepWrite, StepFlush, StepRename, std::string_view("records-written")}) {
             for (int n = 1, count = reached[std::string(kind)]; n <= count; ++n) {
                 SCOPED_TRACE(name + ": " + std::string(kind) + " " + std::to_string(n));
                 std::map<std::string, int> counting;
