@@ -3,8 +3,9 @@
 // new one, byte for byte, korvel.ini is the old file or the new one, and no
 // temporary file is left. The same for the one-file twin of the archive, whose
 // records fill their sector, so that adding grows them (and a failed records
-// write fails to undo too).
+// write fails to undo too); a conversion's destination, once opened, too.
 #include "TestFolder.h"
+#include "archive/Convert.h"
 #include "archive/EntryOperations.h"
 #include "archive/Marker.h"
 #include "archive/QuickReplace.h"
@@ -22,7 +23,8 @@ namespace fs = std::filesystem;
 
 TEST(FaultInjection, EveryWritePathLeavesTheOldArchiveOrTheNewOne) {
     TestFolder folder;
-    const fs::path img = folder / "a.img", dir = folder / "a.dir", in = folder / "in";
+    const fs::path img = folder / "a.img", dir = folder / "a.dir", in = folder / "in",
+                   to = folder / "b.img";
     const std::string ini = (folder / "korvel.ini").string();
     const auto file = [&](const char* name) { return (in / name).string(); };
     // clang-format off
@@ -37,23 +39,26 @@ TEST(FaultInjection, EveryWritePathLeavesTheOldArchiveOrTheNewOne) {
         {"marker", [](Archive& a) { (void)InsertMarker(a, "mark"); }},
         {"rebuild", [](Archive& a) { (void)RebuildArchive(a, {}); }},
         {"quick replace", [&](Archive& a) { (void)ReplaceFromFolder(a, {0}, in.string(), {}, {}); }},
+        {"convert", [&](Archive& a) { (void)ConvertArchive(a, to.string(), a.kind() == ArchiveKind::OneFile ? ArchiveKind::TwoFile : ArchiveKind::OneFile, {}, {}); }},
         {"settings write", [&](Archive&) { Settings(ini, KORVEL_LANG_INI).WriteSetting("new", "recent1"); }},
     };
     // clang-format on
     const auto state = [&] {
+        Archive dest; // whose opening finishes or clears what a conversion left
+        const bool made = !OpenArchiveFiles(dest, to.string()).has_value();
         for (const auto& item : fs::directory_iterator(folder.path())) { // no leftover (removed,
             const bool ours = item.path().filename().string().find(".korvel") != std::string::npos;
             EXPECT_FALSE(ours && fs::remove(item.path())); // so no fault spills into the next)
         }
         // The records and each listed entry's sectors: bytes no record lists
         // (an append that failed) belong to neither archive.
-        return ReadBytes(ini) + "#" + ListedBytes(img);
+        return ReadBytes(ini) + "#" + ListedBytes(img) + "#" + (made ? ListedBytes(to) : "");
     };
     bool oneFile = false;
     // The next open after failing the n-th step of `kind`; `reached` counts steps.
     const auto attempt = [&](const std::function<void(Archive&)>& run, std::string_view kind, int n,
                              std::map<std::string, int>& reached) {
-        fs::create_directories(in);
+        fs::create_directories(in), fs::remove(to), fs::remove(folder / "b.dir");
         WriteBytes(in / "new.ifp", std::string(3000, 'n'));
         WriteBytes(in / "bus.txd", "small bus");
         WriteBytes(in / "car.dff", std::string(5000, 'c'));
