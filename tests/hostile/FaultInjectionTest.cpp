@@ -109,5 +109,25 @@ TEST(FaultInjection, EveryWritePathLeavesTheOldArchiveOrTheNewOne) {
     }
 }
 
+// The write after one that failed and whose undo failed finishes that one
+// first: undoing its own failure must not put the older records back.
+TEST(FaultInjection, AWriteFinishesTheUnfinishedOneBeforeIt) {
+    TestFolder folder;
+    const fs::path img = folder / "a.img";
+    WriteArchive(img, {{0, 1, "car.dff"}, {1, 1, "bus.txd"}}, 2 * SectorSize);
+    WriteOneFileTwin(img, img);
+    Archive archive, reopened;
+    ASSERT_FALSE(OpenArchiveFiles(archive, img.string()));
+    std::vector<std::string_view> fails{"records-journal-written", StepWrite, "records-written"};
+    SetStepHook([&](std::string_view step) {
+        const bool fail = !fails.empty() && step == fails.front();
+        return fail ? fails.erase(fails.begin()), FsError("injected") : FsError();
+    });
+    EXPECT_FALSE(RenameEntry(archive, 0, "van.dff").ok() || RenameEntry(archive, 1, "b.txd").ok());
+    SetStepHook({});
+    ASSERT_FALSE(OpenArchiveFiles(reopened, img.string()));
+    EXPECT_EQ(reopened.table()[0].name + reopened.table()[1].name, "van.dffbus.txd");
+}
+
 } // namespace
 } // namespace korvel::test
