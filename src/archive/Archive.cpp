@@ -172,6 +172,7 @@ Status Archive::WriteDirectory() {
         return lock.status();
     }
     const DirectoryStore& store = DirectoryStoreOf(kind_);
+    newRecordsPending_ = false;
     for (std::size_t row = 0; row < table_.size(); ++row) {
         if (table_[row].name.size() > NameFieldSize) {
             table_.setName(row, table_[row].name.substr(0, NameFieldSize));
@@ -192,6 +193,11 @@ Status Archive::WriteDirectory() {
         }
         written = store.write(dirPath_, records);
     }
+    // A write that could not be undone is finished by the next open, which
+    // is the one end that is always whole: the journal holds every new
+    // record, while the old ones may be half overwritten. So the moved
+    // copies, the rows and the data they point at stay as they are now.
+    newRecordsPending_ = !written.status.ok() && !written.oldStands;
     if (!written.status.ok() && written.oldStands) {
         for (const auto& [row, entry] : moved) {
             table_.setPlacement(row, entry.startSector, entry.sizeSectors);
@@ -212,7 +218,19 @@ Status Archive::WriteDirectory() {
     return written.status;
 }
 
+void Archive::RestoreRowsAfterFailedWrite(std::vector<Entry> before) {
+    if (!newRecordsPending_) {
+        table_.assign(std::move(before));
+    }
+}
+
 void Archive::FollowDirectoryOnDisk() {
+    if (newRecordsPending_) {
+        // The records on disk may be half written; the rows are what the
+        // next open finds.
+        FindHighestOffset();
+        return;
+    }
     const std::optional<FileStamp> stamp = StampOf(dirPath_);
     std::vector<DirRecord> records;
     if (DirectoryStoreOf(kind_).read(dirPath_, records).ok()) {
@@ -230,6 +248,7 @@ bool Archive::changedOnDisk() const {
 
 void Archive::Close() {
     dirStamp_.reset();
+    newRecordsPending_ = false;
     table_.clear();
     dataPath_ = NoPath;
     dirPath_ = NoPath;

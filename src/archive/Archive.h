@@ -77,6 +77,17 @@ public:
     // a failed write the rows must not claim what the archive does not hold.
     void FollowDirectoryOnDisk();
 
+    // True after a WriteDirectory that failed midway and could not be undone
+    // (a one-file archive's records half-written, the disk failing on the way
+    // back): its journal holds the rows of the table, and the next open
+    // writes them whole. The rows then stay as they are, and no data they
+    // point at may be put back. Until the next WriteDirectory.
+    bool newRecordsPending() const { return newRecordsPending_; }
+
+    // After a failed WriteDirectory: the rows are `before` again, which is
+    // what the archive on disk lists, unless the new records are pending.
+    void RestoreRowsAfterFailedWrite(std::vector<Entry> before);
+
     // Forgets the archive: no paths, no rows.
     void Close();
 
@@ -92,6 +103,7 @@ private:
     std::string dirPath_{NoPath};
     ArchiveKind kind_ = ArchiveKind::TwoFile;
     std::uint64_t highestOffset_ = 0;
+    bool newRecordsPending_ = false;
     EntryTable table_;
 
     // Moves the entries that lie where the records need room (their rows

@@ -25,7 +25,7 @@ Status RemoveRowsAndWrite(Archive& archive, const std::vector<std::size_t>& rows
     table.removeWhere(doomed);
     Status written = archive.WriteDirectory();
     if (!written.ok()) {
-        table.assign(restoreOnFailure);
+        archive.RestoreRowsAfterFailedWrite(restoreOnFailure);
     }
     archive.FindHighestOffset();
     return written;

@@ -20,8 +20,8 @@
 namespace korvel {
 
 // How a write of the records ended. When `oldStands` is false the write
-// failed midway and could not be undone: the next open finishes it from its
-// journal, so the bytes the new records point at must stay where they are.
+// failed midway and could not be undone: its journal stays, and the next open
+// finishes it, so the bytes the new records point at must stay where they are.
 struct DirectoryWrite {
     Status status = Status::Ok();
     bool oldStands = true;

@@ -106,6 +106,19 @@ FsError WriteAndSync(File& data, std::string_view bytes) {
     return error.empty() ? data.sync() : error;
 }
 
+// The records a journal at `journal` holds, when it is ours and whole.
+std::optional<std::string> JournalRecords(const fs::path& journal) {
+    std::string text;
+    File in;
+    // Ours is a regular file of bounded size; anything else is not read.
+    const bool readable =
+        IsRegularFile(journal) && in.open(journal, File::Mode::Read).empty() &&
+        ReadBytes(in, 0, RecordJournalTextBytes + MaxRecordAreaBytes + 1, text).empty() &&
+        text.size() <= RecordJournalTextBytes + MaxRecordAreaBytes;
+    const auto bytes = readable ? RecordJournalBytes(text) : std::nullopt;
+    return bytes ? std::optional<std::string>(*bytes) : std::nullopt;
+}
+
 class OneFileDirectory final : public DirectoryStore {
 public:
     ArchiveKind kind() const override { return ArchiveKind::OneFile; }
@@ -168,7 +181,17 @@ public:
         File data;
         std::uint64_t length = 0;
         std::string oldHeader;
+        const fs::path journal = RebuildFilesFor(path, path).records;
         FsError error = data.open(path, File::Mode::ReadWrite);
+        // An earlier write whose undo failed left its journal: it is finished
+        // first, as this write's undo would put back its half-written records
+        // and remove the journal that alone knows them.
+        if (const auto pending = error.empty() ? JournalRecords(journal) : std::nullopt) {
+            error = WriteAndSync(data, *pending);
+            if (error.empty()) {
+                error = RemoveJournal(journal);
+            }
+        }
         if (error.empty()) {
             error = data.length(length);
         }
@@ -190,7 +213,6 @@ public:
         if (error = ReadBytes(data, 0, bytes.size(), undo); !error.empty()) {
             return failed(error);
         }
-        const fs::path journal = RebuildFilesFor(path, path).records;
         if (error = WriteJournal(journal, bytes); !error.empty()) {
             return failed(error);
         }
@@ -209,7 +231,12 @@ public:
             if (undone.empty()) {
                 undone = RemoveJournal(journal);
             }
-            if (!undone.empty()) {
+            // Which records the next open finds is decided by the journal
+            // alone: while it is there, the open writes the new records whole
+            // over whatever the failed undo left. Once it is gone (only the
+            // folder's flush failed) the old records, put back, stand.
+            std::error_code ec;
+            if (!undone.empty() && fs::exists(fs::symlink_status(journal, ec))) {
                 return {Status::Failed(error + "; the old records could not be put back (" +
                                        undone + "), the next open finishes the change"),
                         false};
@@ -283,16 +310,9 @@ std::optional<std::string> RecoverInterruptedRecordWrite(const fs::path& dataPat
     if (!fs::exists(fs::symlink_status(journal, ec))) {
         return std::nullopt;
     }
-    std::string text;
-    File in;
     File data;
     std::string dataHeader;
-    // Ours is a regular file of bounded size; anything else is not read.
-    const bool readable =
-        IsRegularFile(journal) && in.open(journal, File::Mode::Read).empty() &&
-        ReadBytes(in, 0, RecordJournalTextBytes + MaxRecordAreaBytes + 1, text).empty() &&
-        text.size() <= RecordJournalTextBytes + MaxRecordAreaBytes;
-    const auto bytes = readable ? RecordJournalBytes(text) : std::nullopt;
+    const auto bytes = JournalRecords(journal);
     // The journal belongs to a one-file archive; a data file that is not one
     // any more (replaced meanwhile) is not written.
     if (bytes && IsRegularFile(dataPath) && data.open(dataPath, File::Mode::ReadWrite).empty() &&

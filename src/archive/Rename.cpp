@@ -31,7 +31,7 @@ Status RenameEntry(Archive& archive, std::size_t row, const std::string& rawName
     table.setName(row, rawName);
     Status written = archive.WriteDirectory();
     if (!written.ok()) {
-        table.assign(before);
+        archive.RestoreRowsAfterFailedWrite(before);
     }
     return written;
 }
@@ -83,7 +83,7 @@ LowerCaseResult LowerCaseNames(Archive& archive, const std::vector<std::size_t>&
     }
     result.status = archive.WriteDirectory();
     if (!result.status.ok()) {
-        table.assign(before);
+        archive.RestoreRowsAfterFailedWrite(before);
     }
     return result;
 }

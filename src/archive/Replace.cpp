@@ -202,10 +202,14 @@ ReplaceResult ReplaceEntry(Archive& archive, std::size_t row, const std::string&
     archive.dataWritten();
     if (Status written = archive.WriteDirectory(); !written.ok()) {
         // The old directory file is still in place: the row must say what it
-        // says, and the entry's sectors must hold what it said.
-        table.setPlacement(row, old.startSector, old.sizeSectors);
+        // says, and the entry's sectors must hold what it said. Unless the
+        // new records are pending: the next open writes them, so the row and
+        // the new bytes stay.
+        if (!archive.newRecordsPending()) {
+            table.setPlacement(row, old.startSector, old.sizeSectors);
+        }
         archive.FindHighestOffset();
-        if (oldBytes) {
+        if (oldBytes && !archive.newRecordsPending()) {
             FsError error = written.error();
             oldBytes->putBack(archive.dataPath(), error);
             written = Status::Failed(error);

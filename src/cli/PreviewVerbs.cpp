@@ -146,6 +146,23 @@ InfoText AnimationInfoText(const AnimationPackage& package) {
     return t;
 }
 
+// An entry of no kind we read: its size and its first bytes (as many as the
+// preview pane shows), so a script can tell what it holds.
+InfoText OtherInfoText(const EntryPreview& preview) {
+    static constexpr char Digits[] = "0123456789ABCDEF";
+    std::string hex;
+    hex.reserve(preview.head.size() * 2);
+    for (const char c : preview.head) {
+        const auto b = static_cast<unsigned char>(c);
+        hex += Digits[b >> 4];
+        hex += Digits[b & 0xF];
+    }
+    InfoText t;
+    t.lines = Tabbed({"other", N(preview.size), hex});
+    t.json = "\"head\":\"" + hex + "\"";
+    return t;
+}
+
 int Info(const Arguments& args) {
     Session session;
     const Entry* entry = NamedEntry(session, args.operands[0], args.operands[1]);
@@ -181,8 +198,8 @@ int Info(const Arguments& args) {
         stoppedAt = preview.animation.stoppedAt;
         break;
     case PreviewKind::Other:
-        return Fail(ShownName(entry->name) +
-                    " is not a texture dictionary, model, collision file or animation package");
+        text = OtherInfoText(preview);
+        break;
     }
     if (!stopped.empty()) {
         text.problems.push_back("reading stopped at byte " + N(stoppedAt) + ": " + stopped.english);
@@ -285,7 +302,8 @@ int ExportModelVerb(const Arguments& args) {
 void AddPreviewVerbs(VerbTable& verbs) {
     verbs["info"] = {"info ARCHIVE.img NAME [--json]",
                      "what a texture dictionary, model, collision file or animation package "
-                     "holds, as TAB-separated lines (or JSON)",
+                     "holds, as TAB-separated lines (or JSON); of any other entry its "
+                     "size and first bytes in hex",
                      {{"--json", false}},
                      2,
                      2,

@@ -64,7 +64,7 @@ TEST(CliPreview, PrintsInfoLinesAndExports) {
          // The second texture's name is there; the rest of it is padding.
          "texture\twood\t\t64\t128\tDXT1\t1\ntexture\tleaves\t\t0\t0\tunknown\t0\n",
          "korvel-cli: cut.txd: reading stopped at byte 4252: "},
-        {{"info", p, "notes.txt"}, 1, "", "korvel-cli: notes.txt is not a texture dictionary"},
+        {{"info", p, "notes.txt"}, 0, "other\t2048\t68656C6C6F" + std::string(502, '0') + "\n", ""},
         {{"info", p, "none.dff"}, 1, "", "korvel-cli: no entry is named \"none.dff\""},
         {{"info", p}, 2, "", ""},
         {{"export-model", p, "nitro.dff", (folder / "m.fbx").string()}, 1, "", "as .glb or .obj"},

@@ -118,6 +118,20 @@ TEST_F(ArchiveFiles, AStaleViewOfTheArchiveWritesNothing) {
     EXPECT_EQ(ReadBytes(dir), EncodeDirectory({{0, 1, "van.dff"}}));
 }
 
+// The same for a one-file archive, whose stamp is the data file's: the other
+// window's add moves it on, its own add and data writes do not.
+TEST_F(ArchiveFiles, AStaleViewOfAOneFileArchiveWritesNothing) {
+    WriteOneFileTwin(img, img);
+    Archive first, second;
+    ASSERT_FALSE(OpenArchiveFiles(first, img.string()) || OpenArchiveFiles(second, img.string()));
+    std::string name = "new.dff";
+    ASSERT_EQ(AddFile(first, img.string(), name, false, {}).result, AddResult::Added);
+    ASSERT_TRUE(RenameEntry(first, 0, "van.dff").ok());
+    const std::string changed = ReadBytes(img);
+    EXPECT_NE(RenameEntry(second, 1, "b.txd").error().find("changed by"), std::string::npos);
+    EXPECT_EQ(ReadBytes(img), changed);
+}
+
 // Through links every write changes the real archive as it would a plain
 // pair, the real files keep their mode and owner, and the links stay links.
 TEST_F(ArchiveFiles, WritesThroughLinksChangeTheTargetAndKeepModeAndOwner) {
