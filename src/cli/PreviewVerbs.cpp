@@ -174,35 +174,25 @@ int Info(const Arguments& args) {
         return Fail(preview.problem.english);
     }
     InfoText text;
-    Reason stopped;
-    std::uint64_t stoppedAt = 0;
     switch (preview.kind) {
     case PreviewKind::Textures:
         text = TextureInfoText(preview.textures);
-        stopped = preview.textures.stopped;
-        stoppedAt = preview.textures.stoppedAt;
         break;
     case PreviewKind::Model:
         text = ModelInfoText(preview.model);
-        stopped = preview.model.stopped;
-        stoppedAt = preview.model.stoppedAt;
         break;
     case PreviewKind::Collision:
         text = CollisionInfoText(preview.collision);
-        stopped = preview.collision.stopped;
-        stoppedAt = preview.collision.stoppedAt;
         break;
     case PreviewKind::Animation:
         text = AnimationInfoText(preview.animation);
-        stopped = preview.animation.stopped;
-        stoppedAt = preview.animation.stoppedAt;
         break;
     case PreviewKind::Other:
         text = OtherInfoText(preview);
         break;
     }
-    if (!stopped.empty()) {
-        text.problems.push_back("reading stopped at byte " + N(stoppedAt) + ": " + stopped.english);
+    if (const PreviewStop stop = StoppedAt(preview); !stop.why.empty()) {
+        text.problems.push_back("reading stopped at byte " + N(stop.at) + ": " + stop.why.english);
     }
     if (preview.cut) {
         text.problems.push_back("only the first " + N(MaxPreviewBytes) + " bytes were read");

@@ -58,6 +58,22 @@ PreviewKind PreviewKindOf(const std::string& entryName) {
     return PreviewKind::Other;
 }
 
+PreviewStop StoppedAt(const EntryPreview& preview) {
+    switch (preview.kind) {
+    case PreviewKind::Textures:
+        return {preview.textures.stopped, preview.textures.stoppedAt};
+    case PreviewKind::Model:
+        return {preview.model.stopped, preview.model.stoppedAt};
+    case PreviewKind::Collision:
+        return {preview.collision.stopped, preview.collision.stoppedAt};
+    case PreviewKind::Animation:
+        return {preview.animation.stopped, preview.animation.stoppedAt};
+    case PreviewKind::Other:
+        break;
+    }
+    return {};
+}
+
 EntryPreview ReadEntryPreview(const fs::path& dataPath, const Entry& entry) {
     EntryPreview preview;
     preview.kind = PreviewKindOf(entry.name);

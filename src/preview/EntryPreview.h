@@ -42,6 +42,14 @@ struct EntryPreview {
 
 inline constexpr std::size_t HeadBytes = 256;
 
+// Where reading an entry stopped, whichever reader read it: `why` is empty
+// when the entry was read to its end (and for entries no reader reads).
+struct PreviewStop {
+    Reason why;
+    std::uint64_t at = 0; // from the start of the entry
+};
+PreviewStop StoppedAt(const EntryPreview& preview);
+
 EntryPreview ReadEntryPreview(const std::filesystem::path& dataPath, const Entry& entry);
 
 // Decodes one level of one texture of the dictionary `entry`.

@@ -248,7 +248,7 @@ QWidget* PreviewPane::buildTexturePage() {
         // back its own (where reading the dictionary stopped, or none).
         if (shown_) {
             const EntryPreview& p = shown_->preview;
-            showProblemLine(p.textures.stopped, p.textures.stoppedAt, p.cut, p.problem);
+            showProblemLine(p);
         }
         pages_->setCurrentWidget(grid_);
         grid_->setFocus();
@@ -499,10 +499,10 @@ void PreviewPane::showResult(const std::shared_ptr<Result>& result) {
     if (p.kind != PreviewKind::Model) {
         model_->Clear(); // its meshes and textures are not kept behind another page
     }
+    showProblemLine(p);
     switch (p.kind) {
     case PreviewKind::Textures:
         showTextures(p.textures);
-        showProblemLine(p.textures.stopped, p.textures.stoppedAt, p.cut, p.problem);
         if (reopen >= 0) {
             openTexture(reopen);
             if (reopenLevel > 0 && reopenLevel < level_->count()) {
@@ -513,37 +513,34 @@ void PreviewPane::showResult(const std::shared_ptr<Result>& result) {
     case PreviewKind::Model:
         model_->ShowModel(p.model, result->modelTextures, result->missing);
         pages_->setCurrentWidget(modelFrame_);
-        showProblemLine(p.model.stopped, p.model.stoppedAt, p.cut, p.problem);
         break;
     case PreviewKind::Collision:
         showCollision(p.collision);
-        showProblemLine(p.collision.stopped, p.collision.stoppedAt, p.cut, p.problem);
         break;
     case PreviewKind::Animation:
         showAnimation(p.animation);
-        showProblemLine(p.animation.stopped, p.animation.stoppedAt, p.cut, p.problem);
         break;
     case PreviewKind::Other:
         showOther(p);
-        showProblemLine({}, 0, false, p.problem);
         break;
     }
     emit entryShown(QString::fromStdString(Cp1252ToUtf8(result->entry.name)));
 }
 
-void PreviewPane::showProblemLine(const Reason& stopped, std::uint64_t stoppedAt, bool cut,
-                                  const Reason& problem) {
+void PreviewPane::showProblemLine(const EntryPreview& preview) {
+    const Reason& problem = preview.problem;
+    const PreviewStop stop = StoppedAt(preview);
     QStringList lines;
     const Settings& settings = editor_.settings();
     if (!problem.empty()) {
         lines << QString::fromStdString(
             settings.LookupFilled("prvUnreadable", {ReasonText(settings, problem)}));
     }
-    if (!stopped.empty()) {
+    if (!stop.why.empty()) {
         lines << QString::fromStdString(settings.LookupFilled(
-            "prvStopped", {std::to_string(stoppedAt), ReasonText(settings, stopped)}));
+            "prvStopped", {std::to_string(stop.at), ReasonText(settings, stop.why)}));
     }
-    if (cut) {
+    if (preview.cut) {
         lines << QString::fromStdString(
             settings.LookupFilled("prvCut", {std::to_string(MaxPreviewBytes)}));
     }

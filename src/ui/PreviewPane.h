@@ -100,8 +100,9 @@ private:
     void startRead(const Entry& entry);
     void showResult(const std::shared_ptr<Result>& result);
     void showThumbnails(std::uint64_t generation, int first, const std::vector<QImage>& images);
-    void showProblemLine(const Reason& stopped, std::uint64_t stoppedAt, bool cut,
-                         const Reason& problem);
+    // Under the page: why nothing could be read, where reading stopped, and
+    // whether only the first part of the entry was read.
+    void showProblemLine(const EntryPreview& preview);
     void showTextures(const TextureDictionaryInfo& info);
     void showCollision(const CollisionInfo& info);
     void showAnimation(const AnimationPackage& package);
